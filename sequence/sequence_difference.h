@@ -1,0 +1,30 @@
+#pragma once
+
+#include <vector>
+
+#include "sequence/note_edit.h"
+#include "sequence/sequence_note.h"
+#include "sequence/track_sequence.h"
+
+namespace Zelmor {
+
+// Edit script from `oldNotes` to `newNotes` via a full longest-common-
+// subsequence table: ties prefer a removal, equal notes match from the end.
+// Throws std::length_error when the table would exceed 2^31-1 cells.
+NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
+                       const std::vector<SequenceNote>& newNotes);
+
+// Records the change to `newNotes` as one undoable script: ends the track's
+// redo chain, then runs the script through applyRedo. Notes kept by the
+// script stay the old records (old muted, transpose, soundStart, ...).
+// On failure the track is left untouched.
+void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes);
+
+// Moves the back of redoStack onto the notes and onto undoStack.
+void applyRedo(TrackSequence& track);
+
+// Mirror of applyRedo: runs the back of undoStack backwards and moves it to
+// redoStack. Nothing happens for an empty undoStack.
+void applyUndo(TrackSequence& track);
+
+} // namespace Zelmor
