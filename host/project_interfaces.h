@@ -64,7 +64,7 @@ class INodeIterator : public FUnknown
 {
 public:
     /** 3: borrowed, may be null; yields the current child and advances. */
-    virtual FUnknown* PLUGIN_API next () = 0;
+    virtual IProjectNode* PLUGIN_API next () = 0;
     virtual TBool PLUGIN_API isDone () = 0;  // 4
 };
 
