@@ -1,0 +1,12 @@
+#include "svs/svs_host_list.h"
+
+namespace Zelmor {
+
+SVSHostList::~SVSHostList ()
+{
+    // std::vector gives no order for destroying its elements; ours is fixed.
+    while (!hosts.empty ())
+        hosts.pop_back ();
+}
+
+} // namespace Zelmor
