@@ -55,6 +55,26 @@ std::pair<std::string, int> splitAlternate(const std::string& word)
     return {word.substr(0, open), n};
 }
 
+// The cutter knows vowels without stress digits: cut the bare tokens and
+// put the breaks at the same places among the marked ones.
+std::string cutLikeBare(const std::vector<std::string>& tokens, const std::vector<std::string>& bareTokens)
+{
+    std::string out;
+    size_t next = 0;
+    std::vector<std::string> pieceTokens;
+    for (const auto& piece : syllabifyPhonemes(join(" ", bareTokens))) {
+        split(piece, pieceTokens);
+        if (!out.empty())
+            out += " . ";
+        for (size_t i = 0; i < pieceTokens.size() && next < tokens.size(); ++i, ++next) {
+            if (i)
+                out += ' ';
+            out += tokens[next];
+        }
+    }
+    return out;
+}
+
 } // namespace
 
 std::string generateDictionaryText(const std::string& cmuText, DictionaryGeneratorStats* stats)
@@ -75,6 +95,7 @@ std::string generateDictionaryText(const std::string& cmuText, DictionaryGenerat
         auto [base, number] = splitAlternate(lower(fields[0]));
         bool known = !base.empty();
         std::vector<std::string> tokens;
+        std::vector<std::string> bareTokens;
         for (size_t i = 1; i < fields.size() && known; ++i) {
             std::string token = lower(fields[i]);
             std::string bare = token;
@@ -83,6 +104,7 @@ std::string generateDictionaryText(const std::string& cmuText, DictionaryGenerat
                        bare.end());
             known = symbols().count(bare) != 0;
             tokens.push_back(std::move(token));
+            bareTokens.push_back(std::move(bare));
         }
         if (!known) {
             ++counts.skipped;
@@ -93,7 +115,7 @@ std::string generateDictionaryText(const std::string& cmuText, DictionaryGenerat
         row.source = number;
         row.line = lineNo;
         row.word = base;
-        row.phonemes = join(" . ", syllabifyPhonemes(join(" ", tokens)));
+        row.phonemes = cutLikeBare(tokens, bareTokens);
         row.orthography = join(" . ", syllabifyLetters(base));
         rows.push_back(std::move(row));
     }

@@ -1,0 +1,117 @@
+#include "phoneme/dictionary_holder.h"
+#include "phoneme/lyric_converter.h"
+
+#include <gtest/gtest.h>
+#include <utf8.h>
+
+#include <chrono>
+#include <cstdio>
+#include <random>
+#include <sys/wait.h>
+
+using namespace Zelmor;
+
+namespace {
+
+// Pieces that reach the interesting branches: kana pairs and singles,
+// hiragana, the long-vowel mark, hyphens, the control word, punctuation,
+// dictionary words, and broken or out-of-range UTF-8.
+const std::vector<std::string> fragments = {
+    "hello", "Hel", "lo", "-", "--", "0", " ", "  ", "キ", "ャ", "きゃ", "ー", "ッ", "ン", "ドゥ",
+    "ィェ", "漢", "\u3000", "'", "_", "(1)", "!", "?", "/", ".", "absolve", "strength", "x", "aeiou",
+    "\xe3\x81", "\xff", "\xc0\xaf", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\x80", "\t", "\n", "w00t",
+};
+
+bool elementsWellFormed(const std::vector<std::string>& elements)
+{
+    for (const auto& element : elements)
+        if (element.find('.') != std::string::npos || element.find("  ") != std::string::npos)
+            return false;
+    return true;
+}
+
+} // namespace
+
+// A bounded stand-in for coverage-guided fuzzing: only the three decoder
+// exceptions may leave, and elements never carry a syllable mark.
+TEST(Robustness, RandomLyricsOnlyRaiseDecoderErrors)
+{
+    const auto& dictionary = *dictionaryHolderMap();
+    std::mt19937 random(20240611);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    int converted = 0;
+    for (int round = 0; round < 30000 && std::chrono::steady_clock::now() < deadline; ++round) {
+        std::string lyric;
+        if (round % 3 == 0) {
+            for (int len = random() % 12; len > 0; --len)
+                lyric += static_cast<char>(random() % 256);
+        } else {
+            for (int len = random() % 6; len > 0; --len)
+                lyric += fragments[random() % fragments.size()];
+        }
+        try {
+            const auto elements = convertLyric(lyric, dictionary);
+            ASSERT_TRUE(elementsWellFormed(elements)) << lyric;
+            ++converted;
+        } catch (const utf8::not_enough_room&) {
+        } catch (const utf8::invalid_utf8&) {
+        } catch (const utf8::invalid_code_point&) {
+        } catch (const std::exception& other) {
+            FAIL() << "unexpected " << other.what() << " for '" << lyric << "'";
+        }
+    }
+    EXPECT_GT(converted, 1000);
+}
+
+namespace {
+
+struct ToolRun {
+    int status;
+    std::string out;
+};
+
+ToolRun run(const std::string& arguments, const std::string& feed = std::string())
+{
+    const std::string command = feed + "'" + LYRIC2PHONEME + "' " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ToolRun result{-1, {}};
+    if (!pipe)
+        return result;
+    char buffer[4096];
+    size_t got;
+    while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0)
+        result.out.append(buffer, got);
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+} // namespace
+
+TEST(Lyric2Phoneme, PrintsElementsAndJson)
+{
+    ToolRun plain = run("hello cat-");
+    EXPECT_EQ(plain.status, 0);
+    EXPECT_EQ(plain.out, "hh ah\nl ow\n\nk ae\n- t\n");
+
+    ToolRun json = run("--json 'hel-lo' '\"q\"'");
+    EXPECT_EQ(json.status, 0);
+    EXPECT_EQ(json.out, "{\"lyric\": \"hel-lo\", \"elements\": [\"hh ah\", \"- \", \"l ow\"]}\n"
+                        "{\"lyric\": \"\\\"q\\\"\", \"elements\": [\"k y uw\"]}\n");
+
+    ToolRun piped = run("< /dev/null");
+    EXPECT_EQ(piped.status, 0);
+    EXPECT_EQ(run("--help").status, 0);
+    EXPECT_EQ(run("--bogus").status, 2);
+}
+
+TEST(Lyric2Phoneme, InvalidUtf8NamesTheByteOffset)
+{
+    ToolRun bad = run("hello \"$(printf 'ab\\343\\201')\"");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_NE(bad.out.find("invalid UTF-8 in argument 2 at byte offset 2"), std::string::npos) << bad.out;
+
+    ToolRun badLine = run("", "printf 'ok\\nx\\377\\n' | ");
+    EXPECT_NE(badLine.status, 0);
+    EXPECT_NE(badLine.out.find("line 2 at byte offset 1"), std::string::npos) << badLine.out;
+}
