@@ -1,5 +1,6 @@
 #include "sync/note_list_builder.h"
 
+#include "phoneme/string_helpers.h"
 #include "svs/svs_host.h"
 #include "svs/svs_note_list.h"
 
@@ -16,32 +17,6 @@ namespace {
 constexpr size_t kMaxPhonemes = 8;
 // 0.1 as a float, widened: previousEnd is a float, so the test is on its grid.
 constexpr double kLargestClosedGap = 0.10000000149011612;
-
-// Cuts at runs of ASCII white space, dropping empty pieces.
-// NOTE: stands in for Zelmor::split (phoneme/string_helpers.h) until the
-// phoneme library has a build target we can link; switch over then.
-std::vector<std::string> splitAtWhiteSpace (const std::string& text)
-{
-    auto blank = [] (char c) {
-        return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-    };
-    std::vector<std::string> pieces;
-    size_t i = 0;
-    const size_t n = text.size ();
-    while (i < n)
-    {
-        while (i < n && blank (text[i]))
-            ++i;
-        if (i == n)
-            break;
-        size_t j = i;
-        while (j < n && !blank (text[j]))
-            ++j;
-        pieces.push_back (text.substr (i, j - i));
-        i = j;
-    }
-    return pieces;
-}
 
 float pitchCentsOf (const SequenceNote& note)
 {
@@ -111,7 +86,8 @@ SVS::SVSNote makeNote (const SequenceNote& note, std::string& lastPhoneme)
 
 void fillPhonemes (SVS::SVSNote& record, const std::string& phonemeText, std::string& lastPhoneme)
 {
-    const std::vector<std::string> tokens = splitAtWhiteSpace (phonemeText);
+    std::vector<std::string> tokens;
+    split (phonemeText, tokens);  // at runs of white space, no empty pieces
     if (tokens.empty ())
     {
         std::memcpy (record.phonemes[0], "ah", 3);
