@@ -1,0 +1,132 @@
+#include "workbench/sim/call_log.h"
+
+#include <mutex>
+#include <unordered_map>
+
+namespace Sim {
+namespace {
+
+struct LogState
+{
+    std::mutex mutex;
+    std::vector<CallEntry> entries;
+    std::unordered_map<std::string, int64_t> counts;
+    int64_t hostCalls = 0;
+    int64_t pluginCalls = 0;
+    bool recording = true;
+};
+
+LogState& state ()
+{
+    static LogState s;
+    return s;
+}
+
+void countLocked (LogState& s, Side side, const char* call)
+{
+    ++s.counts[call];
+    if (side == Side::Host)
+        ++s.hostCalls;
+    else if (side == Side::Plugin)
+        ++s.pluginCalls;
+}
+
+} // namespace
+
+void CallLog::record (Side side, const char* call, const std::string& object)
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    countLocked (s, side, call);
+    if (s.recording)
+        s.entries.push_back ({side, call, object});
+}
+
+void CallLog::countOnly (Side side, const char* call)
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    countLocked (s, side, call);
+}
+
+std::vector<CallEntry> CallLog::entries ()
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    return s.entries;
+}
+
+std::vector<std::string> CallLog::calls ()
+{
+    std::vector<std::string> out;
+    for (auto& e : entries ())
+        out.push_back (e.call);
+    return out;
+}
+
+std::vector<std::string> CallLog::only (std::initializer_list<const char*> names)
+{
+    std::vector<std::string> out;
+    for (auto& e : entries ())
+        for (const char* n : names)
+            if (e.call == n)
+            {
+                out.push_back (e.call);
+                break;
+            }
+    return out;
+}
+
+std::vector<std::string> CallLog::startingWith (std::initializer_list<const char*> prefixes)
+{
+    std::vector<std::string> out;
+    for (auto& e : entries ())
+        for (const char* p : prefixes)
+            if (e.call.rfind (p, 0) == 0)
+            {
+                out.push_back (e.call);
+                break;
+            }
+    return out;
+}
+
+int64_t CallLog::count (const std::string& call)
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    auto it = s.counts.find (call);
+    return it == s.counts.end () ? 0 : it->second;
+}
+
+int64_t CallLog::hostCalls ()
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    return s.hostCalls;
+}
+
+int64_t CallLog::pluginCalls ()
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    return s.pluginCalls;
+}
+
+void CallLog::clear ()
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    s.entries.clear ();
+    s.counts.clear ();
+    s.hostCalls = 0;
+    s.pluginCalls = 0;
+}
+
+void CallLog::setRecording (bool on)
+{
+    auto& s = state ();
+    std::lock_guard<std::mutex> lock (s.mutex);
+    s.recording = on;
+}
+
+} // namespace Sim
