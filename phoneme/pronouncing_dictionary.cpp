@@ -13,6 +13,9 @@ bool isBlank(char c)
 
 std::string withoutStress(std::string_view phonemes)
 {
+    // Lists without stress marks are common; copy those in one go.
+    if (phonemes.find_first_of("012") == std::string_view::npos)
+        return std::string(phonemes);
     std::string out;
     out.reserve(phonemes.size());
     for (char c : phonemes)
@@ -57,13 +60,11 @@ PronouncingDictionary loadPronouncingDictionary(const char* text, int32_t length
         if (tab2 == std::string_view::npos || line.find('\t', tab2 + 1) != std::string_view::npos)
             continue;
 
-        PronouncingEntry entry{withoutStress(line.substr(tab1 + 1, tab2 - tab1 - 1)),
-                               std::string(line.substr(tab2 + 1))};
-        // Rows come sorted, so the end is nearly always the right hint.
-        const size_t before = map.size();
-        auto it = map.emplace_hint(map.end(), std::string(line.substr(0, tab1)), entry);
-        if (map.size() == before)
-            it->second = std::move(entry);
+        // Rows come sorted, so the end is nearly always the right hint. A
+        // repeated word overwrites the entry in place.
+        auto it = map.try_emplace(map.end(), std::string(line.substr(0, tab1)));
+        it->second.phonemes = withoutStress(line.substr(tab1 + 1, tab2 - tab1 - 1));
+        it->second.orthography.assign(line.substr(tab2 + 1));
     }
     map["sil"] = PronouncingEntry{"SIL", "sil"};
     map["br"] = PronouncingEntry{"BR", "br"};
