@@ -4,8 +4,11 @@
 
 #include "workbench/sim/edit.h"
 #include "workbench/sim/folder.h"
+#include "workbench/sim/note.h"
 #include "workbench/sim/object.h"
+#include "workbench/sim/part.h"
 #include "workbench/sim/time_context.h"
+#include "workbench/sim/track.h"
 
 #include "host/agent_interfaces.h"
 #include "host/project_interfaces.h"
@@ -17,8 +20,6 @@
 #include <vector>
 
 namespace Sim {
-
-class Note;
 
 class Project : public Object, public Steinberg::IHostProject
 {

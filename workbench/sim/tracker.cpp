@@ -52,12 +52,13 @@ std::string ObjectState::describe () const
 {
     std::string s = kind + " '" + name + "': count " + std::to_string (count) + ", expected "
                     + std::to_string (expected);
-    if (count > expected)
+    // An over-release is held at the owner's share, so the count alone would read as a leak.
+    if (overReleases > 0)
+        s += " (over-released " + std::to_string (overReleases) + ")";
+    else if (count > expected)
         s += " (leaked " + std::to_string (count - expected) + ")";
     else if (count < expected)
         s += " (" + std::to_string (expected - count) + " missing)";
-    if (overReleases > 0)
-        s += " (over-released " + std::to_string (overReleases) + ")";
     if (!alive)
         s += " [gone]";
     return s;
