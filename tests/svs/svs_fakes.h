@@ -1,8 +1,8 @@
 // Minimal stand-ins for the synthesiser's side of the bridge.
 #pragma once
 
-#include "svs/svs_interfaces.h"
 #include "host/plugin_interfaces.h"
+#include "svs/svs_interfaces.h"
 
 #include <cstring>
 #include <string>
@@ -10,94 +10,68 @@
 
 namespace svs_test {
 
-using Steinberg::int32;
-using Steinberg::int64;
-using Steinberg::tresult;
-using Steinberg::uint32;
-using Steinberg::uint64;
+using namespace Steinberg;
 
 // Stack-held fakes: the COM plumbing does nothing.
-#define SVS_TEST_UNKNOWN                                                               \
-    tresult PLUGIN_API queryInterface (const Steinberg::TUID, void** obj) override    \
-    {                                                                                  \
-        *obj = nullptr;                                                                \
-        return Steinberg::kNoInterface;                                                \
-    }                                                                                  \
-    uint32 PLUGIN_API addRef () override { return 1; }                                 \
+#define SVS_TEST_UNKNOWN                                                                        \
+    tresult PLUGIN_API queryInterface (const TUID, void** o) override { *o = nullptr; return kNoInterface; } \
+    uint32 PLUGIN_API addRef () override { return 1; }                                          \
     uint32 PLUGIN_API release () override { return 1; }
 
 struct TextSink : SVS::ISvsTextSink
 {
     SVS_TEST_UNKNOWN
-    tresult PLUGIN_API setText (const char* bytes, int64 length) override
-    {
-        texts.emplace_back (bytes, static_cast<size_t> (length));
-        return Steinberg::kResultOk;
-    }
+    tresult PLUGIN_API setText (const char* b, int64 n) override { texts.emplace_back (b, size_t (n)); return 0; }
     std::vector<std::string> texts;
 };
 
-struct Plugin : Steinberg::ISvsPlugin
+// Logs "name+" for a host handed over and "name-" for a null one.
+struct Plugin : ISvsPlugin
 {
-    explicit Plugin (std::vector<std::string>* log = nullptr, std::string name = {})
-    : log (log), name (std::move (name)) {}
+    Plugin (std::vector<std::string>* l, std::string n) : log (l), name (std::move (n)) {}
     SVS_TEST_UNKNOWN
-    tresult PLUGIN_API setHost (Steinberg::FUnknown* host) override
-    {
-        hosts.push_back (host);
-        if (log)
-            log->push_back (name);
-        return Steinberg::kResultOk;
-    }
-    tresult PLUGIN_API attach () override { return Steinberg::kResultOk; }
+    tresult PLUGIN_API setHost (FUnknown* h) override { log->push_back (name + (h ? "+" : "-")); return 0; }
+    tresult PLUGIN_API attach () override { return 0; }
     int32 PLUGIN_API isAttached () override { return 1; }
-    std::vector<Steinberg::FUnknown*> hosts;
     std::vector<std::string>* log;
     std::string name;
 };
 
-struct SequenceSink : Steinberg::ISvsSequenceSink
+struct SequenceSink : ISvsSequenceSink
 {
     SVS_TEST_UNKNOWN
-    tresult PLUGIN_API sequenceChanged () override { ++calls; return Steinberg::kResultOk; }
+    tresult PLUGIN_API sequenceChanged () override { ++calls; return 0; }
     int calls = 0;
 };
 
-// Reports a size; on read checks what a well-behaved buffer must look like.
+// On read, checks the buffer is zeroed up to and including the spare terminator.
 struct Message : SVS::ISvsMessage
 {
-    explicit Message (uint64 size) : size (size) {}
+    explicit Message (uint64 s) : size (s) {}
     SVS_TEST_UNKNOWN
     uint64 PLUGIN_API getSize () override { return size; }
     tresult PLUGIN_API read (void* buffer, uint64 n) override
     {
         ++reads;
         lastBuffer = buffer;
-        lastSize = n;
         if (buffer && n < 4096)
         {
-            const char* bytes = static_cast<const char*> (buffer);
-            zeroFilled = true;
-            for (uint64 i = 0; i <= n; ++i)  // the spare terminator byte too
-                zeroFilled = zeroFilled && bytes[i] == 0;
-            std::memset (buffer, 'm', static_cast<size_t> (n));
+            const std::vector<char> zeros (n + 1, 0);
+            zeroFilled = std::memcmp (buffer, zeros.data (), n + 1) == 0;
+            std::memset (buffer, 'm', n);
         }
-        return Steinberg::kResultOk;
+        return 0;
     }
     uint64 size;
     int reads = 0;
     void* lastBuffer = nullptr;
-    uint64 lastSize = 0;
     bool zeroFilled = false;
 };
 
 inline SVS::SVSNote recordAt (double start, double end)
 {
     SVS::SVSNote note {};
-    note.startTime = start;
-    note.endTime = end;
-    note.phonemeCount = 1;
-    std::memcpy (note.phonemes[0], "a", 2);
+    note.startTime = start, note.endTime = end;
     return note;
 }
 
