@@ -10,7 +10,7 @@ using Steinberg::tresult;
 using Steinberg::uint32;
 
 namespace {
-// The table's documented failure value, whatever kNoInterface is on a platform.
+// Synthesisers expect -1 here, whatever kNoInterface is on a platform.
 constexpr tresult kNoSuchFace = -1;
 }
 
