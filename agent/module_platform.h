@@ -1,0 +1,27 @@
+// The loader's side of the module bookkeeping. On Linux the opaque handle that
+// the loader passes to the entry point stands where a bundle reference stands
+// elsewhere; these three calls are all that the entry points ask of it, and
+// tests replace them to see every retain and release.
+#pragma once
+
+#include <cstddef>
+
+namespace Kt {
+
+struct ModulePlatform
+{
+    void (*retain) (void* handle);
+    void (*release) (void* handle);
+    /** Writes the module's absolute path, zero-terminated, at most `size` bytes; false if unknown. */
+    bool (*copyPath) (void* handle, char* buffer, std::size_t size);
+};
+
+/** The platform in force: the loader's own unless a test installed another. */
+const ModulePlatform& modulePlatform ();
+/** Installs `platform` (null restores the loader's own). */
+void setModulePlatform (const ModulePlatform* platform);
+
+/** How many retains the loader's own platform holds on `handle` now. */
+int retainCountOf (void* handle);
+
+} // namespace Kt
