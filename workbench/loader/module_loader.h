@@ -1,0 +1,52 @@
+// Loads a module bundle the way a host does: dlopen, the entry point with the
+// loader's handle, the factory, and, at the end, the exit and dlclose.
+#pragma once
+
+#include "pluginterfaces/base/ipluginbase.h"
+
+#include <string>
+
+namespace Sim {
+
+class LoadedModule
+{
+public:
+    /** Opens `path` (a .so or a .vst3 bundle folder). Check ok() and error(). */
+    explicit LoadedModule (const std::string& path);
+    ~LoadedModule ();
+
+    LoadedModule (const LoadedModule&) = delete;
+    LoadedModule& operator= (const LoadedModule&) = delete;
+
+    bool ok () const { return handle != nullptr && error_.empty (); }
+    const std::string& error () const { return error_; }
+    const std::string& path () const { return soPath; }
+    void* nativeHandle () const { return handle; }
+
+    // The exported entry points, called as a host calls them.
+    bool bundleEntry ();
+    bool bundleExit ();
+    /** One new reference, or null. */
+    Steinberg::IPluginFactory* getPluginFactory ();
+    /** Looks up any exported symbol (for tests). */
+    void* symbol (const char* name) const;
+
+    /** Finds the one class of category "Service" and creates it, asking for IPluginBase. */
+    Steinberg::IPluginBase* createService (Steinberg::IPluginFactory* factory);
+
+    /** Ends the module's life: dlclose. Called by the destructor if not before. */
+    void unload ();
+
+    /** The .so inside a bundle folder, or `path` itself if it is a file. */
+    static std::string resolveSharedObject (const std::string& path);
+
+private:
+    std::string soPath;
+    std::string error_;
+    void* handle = nullptr;
+    bool (*entry) (void*) = nullptr;
+    bool (*exit) () = nullptr;
+    Steinberg::IPluginFactory* (*factory) () = nullptr;
+};
+
+} // namespace Sim
