@@ -1,5 +1,6 @@
 #include "workbench/sim/call_log.h"
 
+#include <cstring>
 #include <mutex>
 #include <unordered_map>
 
@@ -10,7 +11,9 @@ struct LogState
 {
     std::mutex mutex;
     std::vector<CallEntry> entries;
-    std::unordered_map<std::string, int64_t> counts;
+    // Keyed by the literal's address: no allocation on the hot path. One name
+    // may sit at several addresses (one per translation unit); count() sums them.
+    std::unordered_map<const char*, int64_t> counts;
     int64_t hostCalls = 0;
     int64_t pluginCalls = 0;
     bool recording = true;
@@ -94,8 +97,11 @@ int64_t CallLog::count (const std::string& call)
 {
     auto& s = state ();
     std::lock_guard<std::mutex> lock (s.mutex);
-    auto it = s.counts.find (call);
-    return it == s.counts.end () ? 0 : it->second;
+    int64_t total = 0;
+    for (auto& [name, n] : s.counts)
+        if (call == name)
+            total += n;
+    return total;
 }
 
 int64_t CallLog::hostCalls ()

@@ -28,6 +28,7 @@ struct CallEntry
 class CallLog
 {
 public:
+    /** `call` must be a string literal (its address keys the counters). */
     static void record (Side side, const char* call, const std::string& object = {});
     /** FUnknown traffic is counted but kept out of the ordered list: it would drown it. */
     static void countOnly (Side side, const char* call);

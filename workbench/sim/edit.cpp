@@ -36,6 +36,20 @@ bool EditContext::query (const TUID iid, void** obj)
     return offerUnknown (iid, obj, static_cast<IProjectEditContext*> (this));
 }
 
+StepChangeSink::StepChangeSink (const std::string& name) : Object ("StepChangeSink", name, Side::Host) {}
+
+tresult PLUGIN_API StepChangeSink::markChanged (IHostProject* project)
+{
+    CallLog::record (Side::Host, "IStepChangeSink::markChanged", name ());
+    marked_.push_back (project);
+    return kResultOk;
+}
+
+bool StepChangeSink::query (const TUID iid, void** obj)
+{
+    return offerUnknown (iid, obj, static_cast<IStepChangeSink*> (this));
+}
+
 namespace {
 
 void restore (const Change& c, const std::optional<Value>& value)

@@ -57,6 +57,25 @@ private:
     std::vector<Steinberg::IEditStep*> steps_;
 };
 
+/** Where a step reports that it changed the project. */
+class StepChangeSink : public Object, public Steinberg::IStepChangeSink
+{
+public:
+    explicit StepChangeSink (const std::string& name);
+
+    const std::vector<Steinberg::IHostProject*>& marked () const { return marked_; }
+
+    Steinberg::tresult PLUGIN_API markChanged (Steinberg::IHostProject* project) override;
+
+    SIM_FUNKNOWN
+
+protected:
+    bool query (const Steinberg::TUID iid, void** obj) override;
+
+private:
+    std::vector<Steinberg::IHostProject*> marked_;
+};
+
 struct Edit
 {
     std::string name;

@@ -23,6 +23,13 @@ TBool PLUGIN_API NodeIterator::isDone ()
     return index_ >= items_.size ();
 }
 
+void NodeIterator::onRetired ()
+{
+    // Husks are kept by the thousand; don't keep their child lists too.
+    std::vector<IProjectNode*> ().swap (items_);
+    index_ = 0;
+}
+
 bool NodeIterator::query (const TUID iid, void** obj)
 {
     return offerUnknown (iid, obj, static_cast<INodeIterator*> (this));

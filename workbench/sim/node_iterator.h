@@ -22,6 +22,7 @@ public:
     SIM_FUNKNOWN
 
 protected:
+    void onRetired () override;
     bool query (const Steinberg::TUID iid, void** obj) override;
 
 private:

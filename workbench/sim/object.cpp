@@ -41,7 +41,10 @@ uint32 Object::drop ()
     }
     now = --count_;
     if (now == 0 && ownership_ == Ownership::Caller)
+    {
+        onRetired ();
         Tracker::retire (this);
+    }
     return static_cast<uint32> (now);
 }
 

@@ -44,6 +44,8 @@ public:
     Steinberg::uint32 drop ();
 
 protected:
+    /** A hand-out's last reference went; it is kept a while as a husk. */
+    virtual void onRetired () {}
     /** Hands out the face asked for, with a reference; false when this object has none. */
     virtual bool query (const Steinberg::TUID iid, void** obj) = 0;
 

@@ -11,7 +11,7 @@ namespace Sim {
 using namespace Steinberg;
 
 Project::Project (const std::string& name)
-: Object ("Project", name, Side::Host), root_ (name, this, false)
+: Object ("Project", name, Side::Host), stepChanges_ (name + " changes"), root_ (name, this, false)
 {
     time_.setName (name + " tempo");
 }
@@ -107,6 +107,28 @@ void Project::clearHistory ()
     open_.reset ();
     history_.clear ();
     cursor_ = 0;
+}
+
+void Project::reportStepChanges ()
+{
+    if (cursor_ == 0)
+        return;
+    const auto steps = history_[cursor_ - 1]->context->steps ();
+    for (auto* step : steps)
+    {
+        CallLog::record (Side::Agent, "IEditStep::reportChange");
+        step->reportChange (&stepChanges_);
+    }
+}
+
+void Project::notifyStorage ()
+{
+    const auto targets = storageReceivers_;
+    for (auto* r : targets)
+    {
+        CallLog::record (Side::Agent, "IProjectStorageNotification::onProjectStorage");
+        r->onProjectStorage ();
+    }
 }
 
 void Project::journal (Node& node, Change::Kind kind, const std::string& key, std::optional<Value> before,

@@ -75,6 +75,12 @@ public:
     const Edit* historyEntry (std::size_t index) const;
     /** Drops every edit of the history, releasing the steps in them. */
     void clearHistory ();
+    /** Asks each step of the newest done edit to reportChange into stepChanges(). */
+    void reportStepChanges ();
+    StepChangeSink& stepChanges () { return stepChanges_; }
+
+    /** The project was saved or loaded: onProjectStorage on every storage receiver. */
+    void notifyStorage ();
 
     // For nodes.
     void journal (Node& node, Change::Kind kind, const std::string& key, std::optional<Value> before,
@@ -94,6 +100,7 @@ protected:
 
 private:
     TimeContext time_;
+    StepChangeSink stepChanges_;
     std::vector<std::unique_ptr<Edit>> history_;
     std::unique_ptr<Edit> open_;
     std::size_t cursor_ = 0;  // edits below it are done, those from it on are undone

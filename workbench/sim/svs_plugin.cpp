@@ -64,6 +64,16 @@ std::string SvsPlugin::readContextText ()
     return sink.text ();
 }
 
+tresult SvsPlugin::sendMessage (SVS::ISvsMessage& message)
+{
+    auto* endpoint = hostFace<SVS::IMessageEndpoint> ();
+    if (!endpoint)
+        return kNoInterface;
+    tresult r = endpoint->receiveMessage (&message);
+    endpoint->release ();
+    return r;
+}
+
 tresult PLUGIN_API SvsPlugin::setHost (FUnknown* host)
 {
     CallLog::record (Side::Plugin, host ? "ISvsPlugin::setHost" : "ISvsPlugin::setHost(null)", name ());

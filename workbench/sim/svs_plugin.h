@@ -57,6 +57,8 @@ public:
     std::vector<std::string> readProductStrings ();
     /** The context text through SVS::IHostContextProvider. */
     std::string readContextText ();
+    /** Sends a message through SVS::IMessageEndpoint; kNoInterface without one. */
+    Steinberg::tresult sendMessage (SVS::ISvsMessage& message);
 
     // ISvsPlugin
     Steinberg::tresult PLUGIN_API setHost (Steinberg::FUnknown* host) override;
