@@ -55,6 +55,8 @@ public:
     InsertSlot (const std::string& displayName, Steinberg::FUnknown* plugin);
 
     void setDisplayName (const std::string& name);
+    /** A display name that need not be valid UTF-16. */
+    void setRawDisplayName (std::u16string name) { displayName_ = std::move (name); }
     void setPlugin (Steinberg::FUnknown* plugin) { plugin_ = plugin; }
     Steinberg::FUnknown* plugin () const { return plugin_; }
     void enableInsertSlot (bool on) { insertOn_ = on; }

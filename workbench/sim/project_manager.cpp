@@ -80,6 +80,14 @@ void ProjectManager::refresh (Project& project)
     }
 }
 
+void ProjectManager::clearHistories ()
+{
+    for (auto& p : owned_)
+        p->clearHistory ();
+    for (auto* p : projects_)
+        p->clearHistory ();
+}
+
 int32 PLUGIN_API ProjectManager::getProjectCount ()
 {
     CallLog::record (Side::Host, "IProjectManager::getProjectCount", label ());

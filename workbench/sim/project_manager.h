@@ -39,6 +39,11 @@ public:
     void removeProject (Project& project);
     /** Calls onProjectRefresh. */
     void refresh (Project& project);
+    /**
+     * Lets every project's history go, releasing the agent's steps. The steps
+     * die with the agent, so a host does this before it lets the agent go.
+     */
+    void clearHistories ();
 
     const std::vector<Project*>& projects () const { return projects_; }
     Project* activeProject () const { return active_; }
