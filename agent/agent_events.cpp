@@ -5,6 +5,7 @@
 
 #include "agent/dispatcher_timer.h"
 #include "agent/main_window.h"
+#include "agent/message_pump.h"
 #include "sequence/undo/edit_step_manager.h"
 #include "svs/svs_host_list.h"
 #include "sync/plugin_binding.h"
@@ -55,6 +56,7 @@ void CantorelaBetaAgent::runIdlePass ()
 
 void PLUGIN_API CantorelaBetaAgent::onIdle ()
 {
+    dispatchPendingToolkitMessages ();  // every call, paced or not: the window lives on these
     AdaptiveInterval& pace = *idleInterval;
     const int64_t now = steadyNanos ();
     if (!pace.started)

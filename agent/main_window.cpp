@@ -13,7 +13,11 @@ constexpr float kTextHeight = 24.0f;
 MainComponent::MainComponent (ISKIEditExecution* execution) : editExecution (execution)
 {
     // Process-wide and not undone: the look-and-feel belongs to the whole toolkit.
-    juce::Desktop::getInstance ().getDefaultLookAndFeel ().setDefaultSansSerifTypefaceName ("Arial Unicode MS");
+    // Only a family the toolkit can load is asked for: on Linux a missing one draws
+    // no glyphs at all, so there the toolkit's own sans-serif stays in force.
+    const juce::String typeface ("Arial Unicode MS");
+    if (juce::Font::findAllTypefaceNames ().contains (typeface))
+        juce::Desktop::getInstance ().getDefaultLookAndFeel ().setDefaultSansSerifTypefaceName (typeface);
     startTimer (kRepaintPeriodMs);
 }
 
@@ -48,7 +52,10 @@ MainWindow::MainWindow (ISKIEditExecution* editExecution)
     setUsingNativeTitleBar (true);
     setContentNonOwned (viewport.get (), true);
     setResizable (true, true);
-    centreWithSize (getWidth (), getHeight ());
+    // Without a display there is no monitor to centre on, and asking for one would
+    // bring the host down; the window then simply stays unplaced.
+    if (juce::Desktop::getInstance ().getDisplays ().getPrimaryDisplay () != nullptr)
+        centreWithSize (getWidth (), getHeight ());
 }
 
 MainWindow::~MainWindow ()

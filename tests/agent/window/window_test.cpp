@@ -5,10 +5,12 @@
 #include "host/service_interfaces.h"
 #include "workbench/loader/module_loader.h"
 
+#include <gtest/gtest.h>
+
+// After gtest: Xlib's macros (None, Bool, Status) would break its templates.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -69,8 +71,9 @@ Atom wmProtocols = None;
 Atom wmDeleteWindow = None;
 
 /** Loads the module once for the process. The X connection comes first and
-    interns the atoms that a window manager would have made long before any
-    client starts: the toolkit only looks them up, it doesn't create them. */
+    interns the atoms that a desktop's window manager makes long before any
+    client starts: the toolkit only looks these up, and a bare X server has none,
+    so without them it would send requests that name no atom. */
 class ModuleEnvironment : public ::testing::Environment
 {
 public:
@@ -78,6 +81,9 @@ public:
     {
         if (std::getenv ("DISPLAY") && (xserver = XOpenDisplay (nullptr)))
         {
+            for (const char* name : {"WM_TAKE_FOCUS", "_NET_WM_PING", "WM_CHANGE_STATE", "WM_STATE",
+                                     "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"})
+                XInternAtom (xserver, name, False);
             wmProtocols = XInternAtom (xserver, "WM_PROTOCOLS", False);
             wmDeleteWindow = XInternAtom (xserver, "WM_DELETE_WINDOW", False);
         }
@@ -181,28 +187,29 @@ private:
 
 // ---------------------------------------------------------------- the X side
 
-std::string titleOf (Window window)
+/** The bytes of a text property, whatever its encoding: the toolkit writes
+    UTF8_STRING, which XFetchName refuses. */
+std::string textProperty (Window window, const char* name)
 {
-    const Atom netName = XInternAtom (xserver, "_NET_WM_NAME", False);
-    const Atom utf8 = XInternAtom (xserver, "UTF8_STRING", False);
     Atom type = None;
     int format = 0;
     unsigned long count = 0, after = 0;
     unsigned char* data = nullptr;
-    std::string title;
-    if (XGetWindowProperty (xserver, window, netName, 0, 256, False, utf8, &type, &format, &count, &after, &data)
+    std::string text;
+    if (XGetWindowProperty (xserver, window, XInternAtom (xserver, name, False), 0, 256, False, AnyPropertyType,
+                            &type, &format, &count, &after, &data)
             == Success
-        && data)
-        title.assign (reinterpret_cast<char*> (data), count);
+        && data && format == 8)
+        text.assign (reinterpret_cast<char*> (data), count);
     if (data)
         XFree (data);
-    char* name = nullptr;
-    if (title.empty () && XFetchName (xserver, window, &name) && name)
-    {
-        title = name;
-        XFree (name);
-    }
-    return title;
+    return text;
+}
+
+std::string titleOf (Window window)
+{
+    const std::string title = textProperty (window, "_NET_WM_NAME");
+    return title.empty () ? textProperty (window, "WM_NAME") : title;
 }
 
 /** The process id a window claims, or -1 when it claims none. */
@@ -507,15 +514,14 @@ TEST_F (EditorWindow, OnlyAnUncheckedShowEditorBuildsAWindow)
     EXPECT_TRUE (agentWindows ().empty ());
 }
 
-// Runs with or without a display: the idle call must hand the thread straight
-// back whatever the toolkit has to do, a visible window with its 16 ms repaint
-// included, and never sits in a wait for events.
+// Runs with or without a display. With one, the idle call must hand the thread
+// straight back while a visible window repaints every 16 ms, never waiting for
+// events; without one, "Show Editor" must leave the host standing.
 TEST (EditorIdle, EveryIdleCallReturnsPromptly)
 {
     Agent agent;
     ASSERT_TRUE (agent.ok ());
-    if (xserver)
-        ASSERT_EQ (agent.showEditor (), kResultOk);
+    ASSERT_EQ (agent.showEditor (), kResultOk);
 
     auto longest = Clock::duration::zero ();
     const auto end = Clock::now () + std::chrono::milliseconds (1500);
