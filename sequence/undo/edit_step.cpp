@@ -3,6 +3,8 @@
 #include "host/service_interfaces.h"
 #include "sequence/sequence_store.h"
 
+#include <cstddef>
+
 namespace Zelmor {
 
 SequenceEditStep::SequenceEditStep (SVSHostList* hosts, Steinberg::IHostProject* stepProject,
@@ -37,8 +39,12 @@ Steinberg::uint32 PLUGIN_API SequenceEditStep::release () { return --refCount; }
 
 Steinberg::tresult PLUGIN_API SequenceEditStep::getStepState () { return Steinberg::kResultOk; }
 
+// The host calling undo or redo beyond our history (say on a retired step it
+// still holds) must not throw through its frames: there is nothing to move.
 Steinberg::tresult PLUGIN_API SequenceEditStep::undo ()
 {
+    if (store->cursor < 0 || static_cast<std::size_t> (store->cursor) >= store->history.size ())
+        return Steinberg::kResultOk;
     if (listener)
         listener->willUndo ();
     undoStore (*store);
@@ -50,6 +56,8 @@ Steinberg::tresult PLUGIN_API SequenceEditStep::undo ()
 
 Steinberg::tresult PLUGIN_API SequenceEditStep::redo ()
 {
+    if (static_cast<std::size_t> (store->cursor + 1) >= store->history.size ())
+        return Steinberg::kResultOk;
     if (listener)
         listener->willRedo ();
     redoStore (*store);
