@@ -58,7 +58,8 @@ NoteTextState readNoteText (IProjectNode* node, INoteText* noteText, bool markSe
     }
 
     state.current = splitLyricText (state.lyricText);
-    state.stored = splitLyricText (state.storedLyric);
+    // After a write-back both texts are the same: split once (the idle pass's commonest case).
+    state.stored = state.storedLyric == state.lyricText ? state.current : splitLyricText (state.storedLyric);
     state.wordChanged = state.current.word != state.stored.word;
     state.hintChanged = state.current.hint != state.stored.hint;
     if (!state.hasStoredLyric)

@@ -1,0 +1,207 @@
+// Whole passes through the agent library in this process: the life of a note's
+// marks, the idle pass beside a held mutex, and errors that leave a pass.
+#include "agent/agent.h"
+#include "svs/svs_host_list.h"
+#include "workbench/sim/folder.h"
+#include "workbench/sim/host_services.h"
+#include "workbench/sim/note.h"
+#include "workbench/sim/part.h"
+#include "workbench/sim/project.h"
+#include "workbench/sim/project_manager.h"
+#include "workbench/sim/svs_plugin.h"
+#include "workbench/sim/track.h"
+#include "workbench/sim/tracker.h"
+
+#include <gtest/gtest.h>
+#include <utf8.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace Steinberg;
+
+namespace {
+
+/** One agent in this process with one active project "Song" holding one synthesiser track. */
+struct AgentPass : ::testing::Test
+{
+    void SetUp () override
+    {
+        Sim::Tracker::reset ();
+        track.addSlot ("Slot 1", synth.unknown ());
+        agent = new Kt::CantorelaBetaAgent;
+        ASSERT_EQ (agent->initialize (host.context ()), kResultOk);
+    }
+    void TearDown () override
+    {
+        agent->terminate ();
+        host.projectManager ().clearHistories ();
+        EXPECT_EQ (agent->release (), 0u);
+    }
+    void open ()
+    {
+        host.projectManager ().addProject (song);
+        host.projectManager ().activate (song);
+    }
+    FUnknown* hook () { return static_cast<IPluginBase*> (agent); }
+    static bool mutexFree (Kt::CantorelaBetaAgent& a)
+    {
+        if (!a.passMutex ().try_lock ())
+            return false;
+        a.passMutex ().unlock ();
+        return true;
+    }
+
+    Sim::SvsPlugin synth {"synth"}, second {"second"};  // outlive the agent, which detaches them
+    Sim::HostServices host;
+    Sim::Project& song = host.projectManager ().createProject ("Song");
+    Sim::Track& track = song.root ().addInstrumentTrack ("Vocals");
+    Sim::Part& part = track.addPart (0.0, 8.0);
+    Kt::CantorelaBetaAgent* agent = nullptr;
+};
+
+TEST_F (AgentPass, ANotesMarksFromUntouchedToCleared)
+{
+    auto& n1 = part.addNote (1.0, 2.0, 60);
+    auto& n2 = part.addNote (2.0, 3.0, 62);
+    // untouched
+    EXPECT_TRUE (n1.attributes ().empty ());
+
+    // seen: a notification pass marks, and writes nothing else
+    open ();
+    EXPECT_EQ (n1.attrInt ("svsn"), 1);
+    EXPECT_FALSE (n1.hasAttr ("lyph"));
+    EXPECT_FALSE (n1.hasText ("phoneme"));
+    auto& late = part.addNote (4.0, 5.0, 64);
+    agent->runIdlePass ();
+    EXPECT_FALSE (late.hasAttr ("svsn")) << "the idle pass does not mark";
+
+    // written: the user's edit is written back over the note and the one after it
+    ASSERT_EQ (song.typeLyric (n1, "hello", hook ()), kResultOk);
+    EXPECT_EQ (n1.lyric (), "hello[hh ah]");
+    EXPECT_EQ (n1.attrText ("lyph"), "hello[hh ah]");
+    EXPECT_EQ (n1.phoneme (), "hh ah");
+    EXPECT_EQ (n2.lyric (), "[l ow]");
+    EXPECT_EQ (n2.phoneme (), "l ow");
+    EXPECT_EQ (late.attrInt ("svsn"), 1) << "every note of the track is written";
+    EXPECT_EQ (late.attrText ("lyph"), "");
+    const int edits = n1.setValueCalls ();
+
+    // changed outside an edit: the synthesiser hears it, the note is not written
+    n1.setText ("lyrics", "ka");
+    const int heard = synth.sequenceChangedCalls ();
+    agent->runIdlePass ();
+    EXPECT_EQ (synth.sequenceChangedCalls (), heard + 1);
+    ASSERT_GE (synth.notes ().size (), 2u);
+    EXPECT_STREQ (synth.notes ()[1].phonemes[0], "k");
+    EXPECT_EQ (n1.lyric (), "ka");
+    EXPECT_EQ (n1.attrText ("lyph"), "hello[hh ah]");
+    EXPECT_EQ (n1.setValueCalls (), edits);
+
+    // cleared: the synthesiser leaves the track
+    track.removeSlot (*dynamic_cast<Sim::InsertSlot*> (track.devices ().child (0)->child (0)));
+    host.projectManager ().refresh (song);
+    for (Sim::Note* n : {&n1, &n2, &late})
+    {
+        EXPECT_FALSE (n->hasAttr ("svsn"));
+        EXPECT_FALSE (n->hasAttr ("lyph"));
+    }
+    EXPECT_EQ (n2.lyric (), "[l ow]") << "lyrics stay";
+}
+
+TEST_F (AgentPass, MarksOnTracksWithoutASynthesiserAreCleared)
+{
+    auto& midi = song.root ().addMidiTrack ("Keys", true);
+    auto& copied = midi.addPart (0.0, 4.0).addNote (0.0, 1.0, 60, "ka[k a]");
+    copied.setAttr ("svsn", Sim::Value (int64_t {1}));
+    copied.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
+    auto& plain = song.root ().addInstrumentTrack ("Piano");
+    auto& onlyLyph = plain.addPart (0.0, 4.0).addNote (0.0, 1.0, 60, "ka[k a]");
+    onlyLyph.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
+    auto& mine = part.addNote (0.0, 1.0, 60, "ka[k a]");
+    mine.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
+
+    open ();
+    EXPECT_FALSE (copied.hasAttr ("svsn"));
+    EXPECT_FALSE (copied.hasAttr ("lyph"));
+    EXPECT_TRUE (onlyLyph.hasAttr ("lyph")) << "without a seen mark the stored lyric stays";
+    EXPECT_TRUE (mine.hasAttr ("lyph"));
+    EXPECT_EQ (track.attrInt ("TrID"), 1);
+    EXPECT_EQ (plain.attrInt ("TrID"), 2);
+    EXPECT_FALSE (midi.hasAttr ("TrID"));
+}
+
+TEST_F (AgentPass, TwoSynthesisersOnOneTrackHearTheSameNotes)
+{
+    track.addSlot ("Slot 2", second.unknown ());
+    auto& n = part.addNote (1.0, 2.0, 60);
+    open ();
+    ASSERT_EQ (agent->hosts ().hosts.size (), 2u);
+    EXPECT_EQ (second.title (), "Cantorela Beta Agent: Song - Slot 2 - Vocals");
+
+    ASSERT_EQ (song.typeLyric (n, "hello", hook ()), kResultOk);
+    EXPECT_EQ (n.lyric (), "hello[hh ah]");
+    ASSERT_EQ (synth.notes ().size (), second.notes ().size ());
+    ASSERT_EQ (second.notes ().size (), 3u);
+    EXPECT_STREQ (second.notes ()[1].phonemes[0], "hh");
+    EXPECT_EQ (n.setValueCalls (), 2) << "written once: the second plug-in finds the track unchanged";
+}
+
+TEST_F (AgentPass, TheIdlePassGivesUpWhileTheMutexIsHeld)
+{
+    part.addNote (1.0, 2.0, 60, "ka");
+    open ();
+    const int before = synth.sequenceChangedCalls ();
+
+    std::atomic<bool> held {false}, done {false};
+    std::thread holder ([&] {
+        std::lock_guard<std::mutex> lock (agent->passMutex ());
+        held = true;
+        while (!done)
+            std::this_thread::yield ();
+    });
+    while (!held)
+        std::this_thread::yield ();
+    agent->runIdlePass ();
+    EXPECT_EQ (synth.sequenceChangedCalls (), before) << "skipped, not queued";
+    done = true;
+    holder.join ();
+    agent->runIdlePass ();
+    EXPECT_EQ (synth.sequenceChangedCalls (), before + 1);
+
+    // Racing notifications: each idle pass either ran whole or did nothing.
+    const int start = synth.sequenceChangedCalls ();
+    constexpr int kLocked = 200, kIdle = 200;
+    std::thread notifier ([&] {
+        for (int i = 0; i < kLocked; ++i)
+            agent->runLockedPass (song.hostProject (), nullptr);
+    });
+    for (int i = 0; i < kIdle; ++i)
+        agent->runIdlePass ();
+    notifier.join ();
+    const int passes = synth.sequenceChangedCalls () - start;
+    EXPECT_GE (passes, kLocked);
+    EXPECT_LE (passes, kLocked + kIdle);
+    EXPECT_TRUE (mutexFree (*agent));
+}
+
+TEST_F (AgentPass, ErrorsLeaveThePassAndReleaseTheMutex)
+{
+    auto& n1 = part.addNote (1.0, 2.0, 60, "ka[ ]");  // a hint of blanks
+    host.projectManager ().addProject (song);
+    EXPECT_THROW (host.projectManager ().activate (song), utf8::not_enough_room);
+    EXPECT_TRUE (mutexFree (*agent));
+
+    n1.setText ("lyrics", "ka");
+    EXPECT_NO_THROW (host.projectManager ().refresh (song));
+    track.setRawName (u"bad \xD800 name");
+    // Called directly: the simulated manager's refresh would keep its interface reference on a throw.
+    EXPECT_THROW (agent->onProjectRefresh (song.hostProject ()), utf8::invalid_utf16);
+    EXPECT_TRUE (mutexFree (*agent));
+    track.rename ("Vocals");
+    n1.setRawText ("lyrics", u"\xDC00");
+    EXPECT_THROW (agent->runIdlePass (), utf8::invalid_utf16);
+    EXPECT_TRUE (mutexFree (*agent));
+}
+
+} // namespace
