@@ -1,0 +1,211 @@
+// The MIDI file reader and the song built from it: hand-made bytes, hostile
+// files, the tempo map, and where lyrics land.
+#include "workbench/midi/midi_file.h"
+#include "workbench/midi/song.h"
+#include "workbench/songs/compose.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes header (int format, int tracks, int division)
+{
+    return {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, std::uint8_t (format), 0, std::uint8_t (tracks),
+            std::uint8_t (division >> 8), std::uint8_t (division)};
+}
+
+Bytes withTrack (Bytes file, const Bytes& body)
+{
+    const Bytes head = {'M', 'T', 'r', 'k', 0, 0, std::uint8_t (body.size () >> 8), std::uint8_t (body.size ())};
+    file.insert (file.end (), head.begin (), head.end ());
+    file.insert (file.end (), body.begin (), body.end ());
+    return file;
+}
+
+bool song (const Bytes& bytes, Midi::Song& out, std::string& error)
+{
+    Midi::File file;
+    return Midi::parse (bytes.data (), bytes.size (), file, error) && Midi::buildSong (file, out, error);
+}
+
+TEST (MidiReader, RunningStatusSysexUnknownChunksAndVelocityZeroOffs)
+{
+    Bytes file = header (1, 1, 96);
+    const Bytes junk = {'X', 'Y', 'Z', 'W', 0, 0, 0, 2, 1, 2};  // a chunk nobody knows is skipped
+    file.insert (file.end (), junk.begin (), junk.end ());
+    file = withTrack (file, {
+        0x00, 0xF0, 0x03, 0x7E, 0x7F, 0xF7,        // sysex, skipped by its length
+        0x00, 0x90, 60, 100,                       // C4 on
+        0x30, 64, 100,                             // running status: E4 on, 48 ticks later
+        0x30, 60, 0,                               // C4 off as a velocity-zero on
+        0x00, 0x80, 64, 0,                         // E4 off
+        0x00, 0xFF, 0x2F, 0x00,                    // end of track
+        0x00, 0x90, 70, 100                        // past the end: not read
+    });
+    Midi::Song s;
+    std::string error;
+    ASSERT_TRUE (song (file, s, error)) << error;
+    ASSERT_EQ (s.tracks.size (), 1u);
+    ASSERT_EQ (s.tracks[0].notes.size (), 2u);
+    EXPECT_EQ (s.tracks[0].name, "Track 1");
+    const auto& c = s.tracks[0].notes[0];
+    const auto& e = s.tracks[0].notes[1];
+    EXPECT_EQ (c.pitch, 60);
+    EXPECT_EQ (c.endTick, 96u);
+    EXPECT_DOUBLE_EQ (c.end, 0.5);  // 120 bpm by default: 96 ticks are half a second
+    EXPECT_EQ (e.pitch, 64);
+    EXPECT_EQ (e.startTick, 48u);
+}
+
+TEST (MidiReader, TempoMapAndFrameTime)
+{
+    Midi::Song s;
+    std::string error;
+    ASSERT_TRUE (song (Midi::write (Songs::morning ()), s, error)) << error;
+    ASSERT_EQ (s.tempi.size (), 2u);
+    EXPECT_DOUBLE_EQ (s.tempi[1].beat, 16.0);
+    EXPECT_NEAR (s.tempi[1].bpm, 120.0, 1e-9);
+    const auto& notes = s.tracks.at (0).notes;
+    // Beat 16 at 96 bpm is 10 s; beat 17 at 120 bpm is half a second later.
+    EXPECT_DOUBLE_EQ (notes.at (16).start, 10.0);
+    EXPECT_DOUBLE_EQ (notes.at (17).start, 10.5);
+
+    // 25 frames of 40 ticks: a tick is a millisecond, whatever the tempo says.
+    Bytes smpte = header (0, 1, 0);
+    smpte[12] = 0xE7;  // -25
+    smpte[13] = 40;
+    smpte = withTrack (smpte, {0x00, 0xFF, 0x51, 0x03, 0x01, 0x00, 0x00, 0x00, 0x90, 60, 90, 0x87, 0x68, 0x80, 60, 0});
+    ASSERT_TRUE (song (smpte, s, error)) << error;
+    EXPECT_DOUBLE_EQ (s.tracks.at (0).notes.at (0).end, 1.0);  // 1000 ticks
+}
+
+TEST (MidiReader, BadFilesSayWhy)
+{
+    const Bytes good = Midi::write (Songs::duet ());
+    Bytes hugeChunk = header (1, 1, 96);
+    const Bytes claim = {'M', 'T', 'r', 'k', 0xFF, 0xFF, 0xFF, 0xF0, 0x00};
+    hugeChunk.insert (hugeChunk.end (), claim.begin (), claim.end ());
+    Bytes zeroDivision = header (1, 1, 0);
+    const struct
+    {
+        const char* name;
+        Bytes bytes;
+        const char* says;
+    } cases[] = {
+        {"empty", {}, "not a Standard MIDI File"},
+        {"other format", {'R', 'I', 'F', 'F', 0, 0, 0, 4, 'W', 'A', 'V', 'E'}, "not a Standard MIDI File"},
+        {"short header", {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1}, "header chunk claims 6 bytes"},
+        {"header too small", {'M', 'T', 'h', 'd', 0, 0, 0, 2, 0, 1}, "header chunk of 2 bytes"},
+        {"absurd chunk length", hugeChunk, "claims 4294967280 bytes"},
+        {"zero division", withTrack (zeroDivision, {0, 0xFF, 0x2F, 0}), "zero ticks"},
+        {"no tracks", header (1, 0, 96), "no track chunk"},
+        {"long varlen", withTrack (header (0, 1, 96), {0x81, 0x81, 0x81, 0x81, 0x00, 0x90, 60, 1}), "four bytes"},
+        {"meta past the end", withTrack (header (0, 1, 96), {0x00, 0xFF, 0x05, 0x7F, 'l', 'a'}), "truncated"},
+        {"running status from nothing", withTrack (header (0, 1, 96), {0x00, 60, 100}), "data byte"},
+        {"status inside a message", withTrack (header (0, 1, 96), {0x00, 0x90, 60, 0x90}), "status byte inside"},
+        {"short tempo", withTrack (header (0, 1, 96), {0x00, 0xFF, 0x51, 0x02, 1, 2}), "tempo event of 2 bytes"},
+        {"system common", withTrack (header (0, 1, 96), {0x00, 0xF2, 1, 2}), "no place in a file"},
+        {"cut in the middle", Bytes (good.begin (), good.begin () + 60), "claims 99 bytes, only 11 left"},
+    };
+    for (const auto& c : cases)
+    {
+        Midi::File file;
+        std::string error;
+        EXPECT_FALSE (Midi::parse (c.bytes.data (), c.bytes.size (), file, error)) << c.name;
+        EXPECT_NE (error.find (c.says), std::string::npos) << c.name << ": " << error;
+    }
+
+    // Every cut of a real song is read or refused, never read past.
+    for (std::size_t n = 0; n < good.size (); ++n)
+    {
+        const Bytes cut (good.begin (), good.begin () + static_cast<long> (n));
+        Midi::File file;
+        std::string error;
+        if (Midi::parse (cut.data (), cut.size (), file, error))
+        {
+            Midi::Song s;
+            Midi::buildSong (file, s, error);
+        }
+    }
+
+    Midi::Song s;
+    std::string error;
+    EXPECT_FALSE (song (withTrack (header (1, 1, 96), {0x00, 0xFF, 0x05, 0x02, 'l', 'a', 0x00, 0xFF, 0x2F, 0}), s,
+                        error));
+    EXPECT_EQ (error, "the file holds no notes");
+    Midi::File none;
+    EXPECT_FALSE (Midi::load ("/nonexistent/song.mid", none, error));
+    EXPECT_EQ (error, "cannot open /nonexistent/song.mid");
+}
+
+TEST (MidiReader, LyricsLandOnTheirNotes)
+{
+    const int sixteenth = 24, ppq = 96;
+    auto meta = [] (std::uint8_t type, const std::string& text) {
+        Bytes b = {0xFF, type, std::uint8_t (text.size ())};
+        b.insert (b.end (), text.begin (), text.end ());
+        return b;
+    };
+    auto cat = [] (std::initializer_list<Bytes> parts) {
+        Bytes all;
+        for (auto& p : parts)
+            all.insert (all.end (), p.begin (), p.end ());
+        return all;
+    };
+    // A lyric a sixteenth early lands on the note; one an eighth early lands nowhere.
+    const Bytes body = cat ({{0x00}, meta (0x05, " hel-lo "), {std::uint8_t (sixteenth), 0x90, 60, 90},
+                             {std::uint8_t (ppq), 0x80, 60, 0, 0x00}, meta (0x05, "far"), {0x30, 0x90, 62, 90},
+                             {0x60, 0x80, 62, 0}, {0x00}, meta (0x01, "ignored: the file has lyric events"),
+                             {0x00, 0xFF, 0x2F, 0}});
+    Midi::Song s;
+    std::string error;
+    ASSERT_TRUE (song (withTrack (header (0, 1, ppq), body), s, error)) << error;
+    EXPECT_EQ (s.tracks[0].notes[0].lyric, "hel-lo");
+    EXPECT_EQ (s.tracks[0].notes[1].lyric, "");
+    ASSERT_EQ (s.warnings.size (), 1u);
+    EXPECT_NE (s.warnings[0].find ("\"far\""), std::string::npos);
+
+    // Karaoke: words in text events of a track without notes, headers and line marks dropped,
+    // Latin-1 read as such; each channel of a format 0 file makes a track.
+    Bytes kar = withTrack (header (1, 2, ppq),
+                           cat ({{0x00}, meta (0x01, "@TTitle"), {0x00}, meta (0x01, "\\Caf\xE9"), {0x60},
+                                 meta (0x01, "/ ol\xC3\xA9"), {0x00, 0xFF, 0x2F, 0}}));
+    kar = withTrack (kar, {0x00, 0x90, 60, 90, 0x60, 0x90, 62, 90, 0x60, 0x80, 60, 0, 0x00, 0x80, 62, 0});
+    ASSERT_TRUE (song (kar, s, error)) << error;
+    ASSERT_EQ (s.tracks.size (), 1u);
+    EXPECT_EQ (s.tracks[0].name, "Track 2");
+    EXPECT_EQ (s.tracks[0].notes[0].lyric, "Caf\xC3\xA9");
+    EXPECT_EQ (s.tracks[0].notes[1].lyric, "ol\xC3\xA9");
+    EXPECT_EQ (s.tracks[0].notes[0].endTick, 192u);
+
+    const Bytes twoChannels = {0x00, 0x92, 50, 90,  // never ends: it lasts to the end of the track
+                               0x00, 0x90, 60, 90, 0x00, 0x91, 48, 90, 0x60, 0x80, 60, 0, 0x00, 0x81, 48, 0};
+    ASSERT_TRUE (song (withTrack (header (0, 1, ppq), twoChannels), s, error)) << error;
+    ASSERT_EQ (s.tracks.size (), 3u);
+    EXPECT_EQ (s.tracks[1].name, "Track 1 ch 2");
+    ASSERT_EQ (s.tracks[2].notes.size (), 1u);
+    EXPECT_EQ (s.tracks[2].notes[0].pitch, 50);
+    EXPECT_EQ (s.tracks[2].notes[0].endTick, 96u);
+}
+
+TEST (BundledSongs, AreWhatTheGeneratorWrites)
+{
+    for (const auto& entry : Songs::all ())
+    {
+        std::ifstream in (std::string (SONGS_DIR) + "/" + entry.file, std::ios::binary);
+        ASSERT_TRUE (in) << entry.file << " is missing: run generate_songs " << SONGS_DIR;
+        const Bytes onDisk ((std::istreambuf_iterator<char> (in)), std::istreambuf_iterator<char> ());
+        EXPECT_EQ (onDisk, Midi::write (entry.compose ())) << entry.file << " differs: run generate_songs";
+    }
+    Midi::Song s;
+    std::string error;
+    ASSERT_TRUE (song (Midi::write (Songs::long400 ()), s, error));
+    EXPECT_EQ (s.noteCount (), 400u);
+}
+
+} // namespace

@@ -1,0 +1,180 @@
+// The built workbench, run as a user runs it: on the bundled songs against
+// outputs reviewed by hand, through undo and redo, into a PNG, and on bad input.
+#include "workbench/midi/midi_file.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+struct Outcome
+{
+    int status = -1;
+    std::string out, err;
+};
+
+std::string slurp (const std::string& path)
+{
+    std::ifstream in (path, std::ios::binary);
+    return std::string ((std::istreambuf_iterator<char> (in)), std::istreambuf_iterator<char> ());
+}
+
+std::string temp (const std::string& name) { return ::testing::TempDir () + "wb_" + name; }
+
+Outcome workbench (const std::string& args)
+{
+    const std::string errPath = temp ("stderr.txt");
+    const std::string command = std::string (WORKBENCH_EXE) + " " + args + " 2>" + errPath;
+    Outcome run;
+    FILE* pipe = popen (command.c_str (), "r");
+    if (!pipe)
+        return run;
+    char buf[4096];
+    std::size_t n;
+    while ((n = fread (buf, 1, sizeof buf, pipe)) > 0)
+        run.out.append (buf, n);
+    const int raw = pclose (pipe);
+    run.status = WIFEXITED (raw) ? WEXITSTATUS (raw) : 128 + WTERMSIG (raw);
+    run.err = slurp (errPath);
+    return run;
+}
+
+std::string song (const char* file) { return std::string (SONGS_DIR) + "/" + file; }
+std::string expected (const char* file) { return slurp (std::string (EXPECTED_DIR) + "/" + file); }
+
+TEST (Workbench, BundledSongsGiveTheReviewedNoteLists)
+{
+    const struct
+    {
+        std::string args;
+        const char* expect;
+    } cases[] = {
+        {"", "example.txt"},
+        {song ("morning.mid"), "morning.txt"},
+        {song ("ramen.mid"), "ramen.txt"},
+        {song ("duet.mid"), "duet.txt"},
+        {song ("duet.mid") + " --json", "duet.json"},
+        // Undoing the last word ("home") gives its note back the default vowel.
+        {song ("morning.mid") + " --undo 1", "morning-undo1.txt"},
+    };
+    for (const auto& c : cases)
+    {
+        const Outcome run = workbench (c.args);
+        EXPECT_EQ (run.status, 0) << c.args << "\n" << run.err;
+        EXPECT_EQ (run.out, expected (c.expect)) << "workbench " << c.args;
+    }
+}
+
+TEST (Workbench, UndoingEverythingAndRedoingItComesBackToTheSameList)
+{
+    const std::string typed = workbench (song ("ramen.mid")).out;
+    const Outcome back = workbench (song ("ramen.mid") + " --undo 6 --redo 6");
+    EXPECT_EQ (back.status, 0) << back.err;
+    EXPECT_EQ (back.out, typed);
+    // Beyond the history there is nothing to undo: said, not fatal.
+    const Outcome beyond = workbench (song ("ramen.mid") + " --undo 50");
+    EXPECT_EQ (beyond.status, 0);
+    EXPECT_NE (beyond.err.find ("held only 6 edit(s)"), std::string::npos) << beyond.err;
+    EXPECT_NE (beyond.out, typed);
+}
+
+TEST (Workbench, PacedIdleCallsAgreeWithRefreshPasses)
+{
+    const Outcome paced = workbench (song ("duet.mid") + " --paced --idle 1");
+    EXPECT_EQ (paced.status, 0) << paced.err;
+    EXPECT_EQ (paced.out, expected ("duet.txt"));
+}
+
+TEST (Workbench, PianoRollIsAPngOfTheExpectedSize)
+{
+    const std::string png = temp ("roll.png");
+    std::remove (png.c_str ());
+    const Outcome run = workbench (song ("duet.mid") + " --piano-roll " + png);
+    ASSERT_EQ (run.status, 0) << run.err;
+    const std::string bytes = slurp (png);
+    ASSERT_GT (bytes.size (), 24u);
+    EXPECT_EQ (bytes.substr (0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ (bytes.substr (12, 4), "IHDR");
+    auto be32 = [&] (std::size_t at) {
+        std::uint32_t v = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            v = (v << 8) | static_cast<unsigned char> (bytes[at + i]);
+        return v;
+    };
+    // The duet's records end at 5.364 s (the closing rests): 100 px a second and two
+    // 64 px margins. Lead sings D4..A4, with a spare row each side 10 rows; Harmony
+    // B3..E4, 8 rows; a panel is a 24 px title, 14 px a row and 8 px below.
+    EXPECT_EQ (be32 (16), 128u + 537u);
+    EXPECT_EQ (be32 (20), (24u + 10u * 14u + 8u) + (24u + 8u * 14u + 8u));
+}
+
+TEST (Workbench, BadInputIsRefusedWithAReason)
+{
+    const std::string text = temp ("not-midi.mid"), cut = temp ("cut.mid"), silent = temp ("silent.mid"),
+                      fake = temp ("fake.so");
+    std::ofstream (text) << "just some words\n";
+    std::ofstream (fake) << "not a shared object\n";
+    const std::string morning = slurp (song ("morning.mid"));
+    std::ofstream (cut, std::ios::binary) << morning.substr (0, 100);
+    Midi::File empty;
+    empty.tracks.resize (1);
+    Midi::Event tempo;
+    tempo.kind = Midi::Event::Tempo;
+    tempo.value = 500000;
+    empty.tracks[0].events.push_back (tempo);
+    const auto bytes = Midi::write (empty);
+    std::ofstream (silent, std::ios::binary).write (reinterpret_cast<const char*> (bytes.data ()),
+                                                    static_cast<std::streamsize> (bytes.size ()));
+    // A hint of blanks makes the agent throw out of the host's edit call.
+    Midi::File blank = empty;
+    Midi::Event e;
+    e.kind = Midi::Event::Lyric;
+    e.text = "la[ ]";
+    blank.tracks[0].events.push_back (e);
+    e.kind = Midi::Event::NoteOn;
+    e.pitch = 60;
+    e.velocity = 90;
+    blank.tracks[0].events.push_back (e);
+    e.kind = Midi::Event::NoteOff;
+    e.tick = 480;
+    blank.tracks[0].events.push_back (e);
+    const std::string blankHint = temp ("blank-hint.mid");
+    const auto blankBytes = Midi::write (blank);
+    std::ofstream (blankHint, std::ios::binary)
+        .write (reinterpret_cast<const char*> (blankBytes.data ()), static_cast<std::streamsize> (blankBytes.size ()));
+
+    const struct
+    {
+        std::string args;
+        int status;
+        const char* says;
+    } cases[] = {
+        {"/nonexistent/song.mid", 1, "cannot open /nonexistent/song.mid"},
+        {text, 1, "not a Standard MIDI File"},
+        {cut, 1, "claims"},
+        {silent, 1, "the file holds no notes"},
+        {blankHint, 1, "the agent threw during a lyric edit"},
+        {"--module /nonexistent/Agent.vst3", 1, "cannot load module /nonexistent/Agent.vst3"},
+        {"--module " + fake, 1, "cannot load module"},
+        {"--module " + song ("morning.mid"), 1, "cannot load module"},
+        {"--undo minus", 2, "--undo needs a whole number"},
+        {"--frobnicate", 2, "unknown option --frobnicate"},
+        {"a.mid b.mid", 2, "one song at a time"},
+        {"--piano-roll", 2, "--piano-roll needs a path"},
+        {"--piano-roll /nonexistent/dir/roll.png", 1, "cannot write /nonexistent/dir/roll.png"},
+    };
+    for (const auto& c : cases)
+    {
+        const Outcome run = workbench (c.args);
+        EXPECT_EQ (run.status, c.status) << c.args << "\n" << run.err;
+        EXPECT_NE (run.err.find (c.says), std::string::npos) << c.args << ": " << run.err;
+    }
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+// workbench: loads the agent module as a host does, builds a project from a
+// MIDI song, types its lyrics, and shows what each synthesiser received.
+#include "workbench/cli/piano_roll.h"
+#include "workbench/cli/report.h"
+#include "workbench/cli/session.h"
+#include "workbench/midi/song.h"
+#include "workbench/songs/compose.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#ifndef CANTORELA_MODULE_PATH
+#define CANTORELA_MODULE_PATH "CantorelaBetaAgent.vst3"
+#endif
+
+namespace {
+
+const char* usage =
+    "usage: workbench [SONG.mid] [options]\n"
+    "  Runs the agent module on a song (the built-in example when no file is given)\n"
+    "  and prints the note list each synthesiser received.\n"
+    "options:\n"
+    "  --module PATH        the module bundle or .so to load (default: the one in the build folder)\n"
+    "  --json               print JSON instead of the table\n"
+    "  --piano-roll FILE    also draw the received notes into a PNG\n"
+    "  --undo N             undo N host edits after the lyrics are typed\n"
+    "  --redo N             then redo N of them\n"
+    "  --idle N             idle passes after the edits and after undo/redo (default 2)\n"
+    "  --paced              make each idle pass a real idle call, waiting out the agent's 1 s interval\n"
+    "  --show-editor        open the agent's window (needs a display) for --editor-seconds (default 10)\n"
+    "  --timing             print how long each stage took, on standard error\n"
+    "  -h, --help           this text\n";
+
+bool count (const char* text, int& out)
+{
+    char* end = nullptr;
+    const long v = std::strtol (text, &end, 10);
+    if (end == text || *end != '\0' || v < 0 || v > 1000000)
+        return false;
+    out = static_cast<int> (v);
+    return true;
+}
+
+int fail (const std::string& message, int code = 1)
+{
+    std::fprintf (stderr, "workbench: %s\n", message.c_str ());
+    return code;
+}
+
+} // namespace
+
+int main (int argc, char** argv)
+{
+    Workbench::Options options;
+    options.modulePath = CANTORELA_MODULE_PATH;
+    std::string songPath, rollPath;
+    bool asJson = false, timing = false;
+
+    for (int i = 1; i < argc; ++i)
+    {
+        const std::string arg = argv[i];
+        auto value = [&] () -> const char* { return i + 1 < argc ? argv[++i] : nullptr; };
+        if (arg == "-h" || arg == "--help")
+        {
+            std::fputs (usage, stdout);
+            return 0;
+        }
+        else if (arg == "--json")
+            asJson = true;
+        else if (arg == "--timing")
+            timing = true;
+        else if (arg == "--paced")
+            options.paced = true;
+        else if (arg == "--show-editor")
+            options.showEditor = true;
+        else if (arg == "--module" || arg == "--piano-roll")
+        {
+            const char* v = value ();
+            if (!v || !*v)
+                return fail (arg + " needs a path\n" + usage, 2);
+            (arg == "--module" ? options.modulePath : rollPath) = v;
+        }
+        else if (arg == "--undo" || arg == "--redo" || arg == "--idle" || arg == "--editor-seconds")
+        {
+            const char* v = value ();
+            int n = 0;
+            if (!v || !count (v, n))
+                return fail (arg + " needs a whole number from 0 on\n" + usage, 2);
+            if (arg == "--undo")
+                options.undo = n;
+            else if (arg == "--redo")
+                options.redo = n;
+            else if (arg == "--idle")
+                options.idlePasses = n;
+            else
+                options.editorSeconds = n;
+        }
+        else if (!arg.empty () && arg[0] == '-')
+            return fail ("unknown option " + arg + "\n" + usage, 2);
+        else if (songPath.empty ())
+            songPath = arg;
+        else
+            return fail (std::string ("one song at a time\n") + usage, 2);
+    }
+
+    Midi::File file;
+    std::string error;
+    std::string name;
+    if (songPath.empty ())
+    {
+        // Through the bytes, so that the example takes the same road as a file.
+        const auto bytes = Midi::write (Songs::morning ());
+        if (!Midi::parse (bytes.data (), bytes.size (), file, error))
+            return fail ("the built-in example: " + error);
+        name = "Morning Song (built-in example)";
+    }
+    else
+    {
+        if (!Midi::load (songPath, file, error))
+            return fail (error);
+        const auto slash = songPath.find_last_of ('/');
+        name = slash == std::string::npos ? songPath : songPath.substr (slash + 1);
+    }
+    Midi::Song song;
+    if (!Midi::buildSong (file, song, error))
+        return fail ((songPath.empty () ? name : songPath) + ": " + error);
+    for (const auto& w : song.warnings)
+        std::fprintf (stderr, "workbench: note: %s\n", w.c_str ());
+
+    Workbench::Outcome outcome;
+    if (!Workbench::run (song, name, options, outcome, error))
+        return fail (error);
+    for (const auto& n : outcome.notices)
+        std::fprintf (stderr, "workbench: note: %s\n", n.c_str ());
+
+    const std::string text = asJson ? Workbench::json (name, outcome) : Workbench::table (name, outcome);
+    std::fwrite (text.data (), 1, text.size (), stdout);
+    std::fflush (stdout);
+    if (timing)
+        std::fputs (Workbench::timingText (outcome).c_str (), stderr);
+
+    if (!rollPath.empty () && !Workbench::writePianoRoll (outcome, name, rollPath, error))
+        return fail (error);
+    return 0;
+}

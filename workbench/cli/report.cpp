@@ -1,0 +1,127 @@
+#include "workbench/cli/report.h"
+
+#include "workbench/sim/note_rows.h"
+
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+
+namespace Workbench {
+
+namespace {
+
+std::string format (const char* fmt, ...) __attribute__ ((format (printf, 1, 2)));
+std::string format (const char* fmt, ...)
+{
+    char buf[512];
+    va_list args;
+    va_start (args, fmt);
+    std::vsnprintf (buf, sizeof buf, fmt, args);
+    va_end (args);
+    return buf;
+}
+
+const char* kind (const Sim::NoteRow& row) { return row.rest ? "rest" : (row.continuation ? "cont" : "note"); }
+
+std::string quoted (const std::string& s)
+{
+    std::string out = "\"";
+    for (unsigned char c : s)
+    {
+        if (c == '"' || c == '\\')
+            out += '\\', out += static_cast<char> (c);
+        else if (c < 0x20)
+            out += format ("\\u%04x", c);
+        else
+            out += static_cast<char> (c);
+    }
+    return out + "\"";
+}
+
+} // namespace
+
+std::string pitchName (float cents)
+{
+    static const char* names[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
+    const double semis = 69.0 + static_cast<double> (cents) / 100.0;
+    const long nearest = std::lround (semis);
+    const long off = std::lround ((semis - static_cast<double> (nearest)) * 100.0);
+    const long pc = ((nearest % 12) + 12) % 12;
+    const long octave = (nearest - pc) / 12 - 1;  // MIDI note 60 is C4
+    std::string name = names[pc] + std::to_string (octave);
+    if (off != 0)
+        name += format ("%+ld", off);
+    return name;
+}
+
+std::string table (const std::string& song, const Outcome& outcome)
+{
+    std::string out;
+    for (const auto& synth : outcome.synthesisers)
+    {
+        const auto rows = Sim::rowsOf (synth.notes);
+        out += format ("== %s / %s  (%zu records)  \"%s\"\n", synth.track.c_str (), synth.slot.c_str (), rows.size (),
+                       synth.title.c_str ());
+        out += format ("%4s %9s %9s %-6s %7s  %-4s  %s\n", "#", "start", "end", "pitch", "cents", "kind", "phonemes");
+        for (std::size_t i = 0; i < rows.size (); ++i)
+        {
+            const auto& r = rows[i];
+            out += format ("%4zu %9.3f %9.3f %-6s %7.0f  %-4s  %s\n", i + 1, r.start, r.end,
+                           pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents), kind (r),
+                           r.phonemes.c_str ());
+        }
+        out += "\n";
+    }
+    (void) song;
+    return out;
+}
+
+std::string json (const std::string& song, const Outcome& outcome)
+{
+    std::string out = "{\n  \"song\": " + quoted (song) + ",\n  \"synthesisers\": [";
+    for (std::size_t s = 0; s < outcome.synthesisers.size (); ++s)
+    {
+        const auto& synth = outcome.synthesisers[s];
+        out += s ? ",\n" : "\n";
+        out += "    {\"track\": " + quoted (synth.track) + ", \"slot\": " + quoted (synth.slot)
+               + ", \"title\": " + quoted (synth.title) + ",\n     \"notes\": [";
+        const auto rows = Sim::rowsOf (synth.notes);
+        for (std::size_t i = 0; i < rows.size (); ++i)
+        {
+            const auto& r = rows[i];
+            std::string phonemes;
+            for (int k = 0; k < synth.notes[i].phonemeCount && k < 8; ++k)
+            {
+                // An entry is at most eight bytes; it need not end in a zero.
+                const char* p = synth.notes[i].phonemes[k];
+                std::size_t len = 0;
+                while (len < 8 && p[len])
+                    ++len;
+                phonemes += (k ? ", " : "") + quoted (std::string (p, len));
+            }
+            out += i ? ",\n      " : "\n      ";
+            out += format ("{\"start\": %.6f, \"end\": %.6f, \"pitch\": \"%s\", \"cents\": %.1f, \"rest\": %s, "
+                           "\"continuation\": %s, \"phonemes\": [",
+                           r.start, r.end, pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents),
+                           r.rest ? "true" : "false", r.continuation ? "true" : "false")
+                   + phonemes + "]}";
+        }
+        out += rows.empty () ? "]}" : "\n     ]}";
+    }
+    out += outcome.synthesisers.empty () ? "]\n}\n" : "\n  ]\n}\n";
+    return out;
+}
+
+std::string timingText (const Outcome& o)
+{
+    const auto& t = o.timing;
+    std::size_t notes = 0;
+    for (auto& s : o.synthesisers)
+        notes += s.notes.size ();
+    return format ("timing: load %.3f s, project %.3f s, %d lyric edits %.3f s, %d idle passes %.3f s, "
+                   "undo %d/redo %d %.3f s, teardown %.3f s, total %.3f s; %zu records sent, %lld host calls\n",
+                   t.load, t.build, t.lyricEdits, t.edits, t.idleCalls, t.idle, t.undone, t.redone, t.history,
+                   t.teardown, t.total, notes, t.hostCalls);
+}
+
+} // namespace Workbench

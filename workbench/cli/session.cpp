@@ -1,0 +1,230 @@
+#include "workbench/cli/session.h"
+
+#include "workbench/cli/display.h"
+
+#include "workbench/loader/module_loader.h"
+#include "workbench/sim/agent_driver.h"
+#include "workbench/sim/call_log.h"
+#include "workbench/sim/host_services.h"
+#include "workbench/sim/project.h"
+#include "workbench/sim/project_manager.h"
+#include "workbench/sim/svs_plugin.h"
+
+#include <chrono>
+#include <memory>
+#include <thread>
+
+using namespace Steinberg;
+
+namespace Workbench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double since (Clock::time_point t) { return std::chrono::duration<double> (Clock::now () - t).count (); }
+
+struct Typed
+{
+    Sim::Note* note;
+    std::string lyric;
+};
+
+/** Runs `f`; an exception that the agent lets out of a host call becomes a message. */
+template <class F>
+bool guarded (const char* what, std::string& error, F&& f)
+{
+    try
+    {
+        f ();
+        return true;
+    }
+    catch (const std::exception& e)
+    {
+        error = std::string ("the agent threw during ") + what + ": " + e.what ();
+    }
+    catch (...)
+    {
+        error = std::string ("the agent threw during ") + what;
+    }
+    return false;
+}
+
+} // namespace
+
+bool run (const Midi::Song& song, const std::string& projectName, const Options& options, Outcome& out,
+          std::string& error)
+{
+    const auto start = Clock::now ();
+    Sim::CallLog::setRecording (false);  // counters only: a long song makes millions of calls
+    Sim::CallLog::clear ();
+
+    auto t = Clock::now ();
+    Sim::LoadedModule module (options.modulePath);
+    if (!module.ok ())
+    {
+        error = module.error ().empty () ? "cannot load module " + options.modulePath : module.error ();
+        return false;
+    }
+    if (!module.bundleEntry ())
+    {
+        error = "the module's entry point refused to start: " + module.path ();
+        return false;
+    }
+    IPluginFactory* factory = module.getPluginFactory ();
+    IPluginBase* agent = factory ? module.createService (factory) : nullptr;
+    if (!agent)
+    {
+        error = "the module offers no service to create: " + (module.error ().empty () ? module.path () : module.error ());
+        if (factory)
+            factory->release ();
+        module.bundleExit ();
+        return false;
+    }
+
+    // The plug-ins outlive the host's project and the agent: both point at them.
+    std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;
+    bool ok = true;
+    {
+        Sim::HostServices host;
+        if (agent->initialize (host.context ()) != kResultOk)
+        {
+            error = "the agent refused to initialise";
+            agent->release ();
+            factory->release ();
+            module.bundleExit ();
+            return false;
+        }
+        out.timing.load = since (t);
+
+        t = Clock::now ();
+        auto& manager = host.projectManager ();
+        Sim::Project& project = manager.createProject (projectName);
+        project.time ().setTempo (song.tempi.empty () ? 120.0 : song.tempi.front ().bpm);
+        for (const auto& change : song.tempi)
+            if (change.beat > 0.0)
+                project.time ().addTempoChange (change.beat, change.bpm);
+
+        std::vector<Typed> typing;
+        for (const auto& st : song.tracks)
+        {
+            auto& track = project.root ().addInstrumentTrack (st.name);
+            synths.push_back (std::make_unique<Sim::SvsPlugin> (st.name));
+            track.addSlot ("Slot 1", synths.back ()->unknown ());
+            double end = 0.0;
+            for (const auto& n : st.notes)
+                end = std::max (end, n.end);
+            // One part from the start of the song to a second past its last note.
+            auto& part = track.addPart (0.0, end + 1.0);
+            for (const auto& n : st.notes)
+            {
+                Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
+                if (!n.lyric.empty ())
+                    typing.push_back ({&note, n.lyric});
+            }
+        }
+        Sim::AgentDriver driver (host, agent);
+        ok = guarded ("the opening of the project", error, [&] {
+            manager.addProject (project);
+            manager.activate (project);
+        });
+        out.timing.build = since (t);
+
+        auto idlePasses = [&] {
+            for (int i = 0; i < options.idlePasses; ++i)
+            {
+                if (options.paced)
+                {
+                    std::this_thread::sleep_for (std::chrono::milliseconds (1010));
+                    driver.idle ();
+                }
+                else
+                    manager.refresh (project);
+                ++out.timing.idleCalls;
+            }
+        };
+
+        t = Clock::now ();
+        // The user types the words in the order of the song, one host edit each.
+        if (ok)
+            ok = guarded ("a lyric edit", error, [&] {
+                for (auto& typed : typing)
+                {
+                    project.typeLyric (*typed.note, typed.lyric, agent);
+                    ++out.timing.lyricEdits;
+                }
+            });
+        out.timing.edits = since (t);
+
+        t = Clock::now ();
+        if (ok)
+            ok = guarded ("an idle pass", error, idlePasses);
+        out.timing.idle = since (t);
+
+        t = Clock::now ();
+        if (ok && (options.undo > 0 || options.redo > 0))
+        {
+            ok = guarded ("undo or redo", error, [&] {
+                for (int i = 0; i < options.undo && project.undo (); ++i)
+                    ++out.timing.undone;
+                for (int i = 0; i < options.redo && project.redo (); ++i)
+                    ++out.timing.redone;
+                idlePasses ();
+            });
+            if (out.timing.undone < options.undo)
+                out.notices.push_back ("the history held only " + std::to_string (out.timing.undone)
+                                       + " edit(s) to undo");
+            if (out.timing.redone < options.redo)
+                out.notices.push_back ("only " + std::to_string (out.timing.redone) + " edit(s) could be redone");
+        }
+        out.timing.history = since (t);
+
+        if (ok && options.showEditor)
+        {
+            std::string reason;
+            if (void* display = openDisplay (reason))
+            {
+                driver.action ("Cantorela Beta Agent", "Show Editor");
+                // The host's main loop: idle calls are what let the window paint.
+                const auto until = Clock::now () + std::chrono::duration<double> (options.editorSeconds);
+                while (Clock::now () < until)
+                {
+                    driver.idle ();
+                    std::this_thread::sleep_for (std::chrono::milliseconds (20));
+                }
+                closeDisplay (display);
+            }
+            else
+                out.notices.push_back (reason);
+        }
+
+        for (std::size_t i = 0; i < synths.size (); ++i)
+            out.synthesisers.push_back ({song.tracks[i].name, "Slot 1", synths[i]->title (), synths[i]->notes ()});
+        out.timing.hostCalls = Sim::CallLog::hostCalls ();
+
+        // A host's end: the project goes, the agent is terminated, the histories
+        // let the agent's steps go, and the last reference is dropped.
+        t = Clock::now ();
+        std::string closing;
+        const bool closed = guarded ("the closing of the project", closing, [&] {
+            manager.deactivate ();
+            manager.removeProject (project);
+        });
+        if (ok && !closed)
+        {
+            ok = false;
+            error = closing;
+        }
+        agent->terminate ();
+        manager.clearHistories ();
+        agent->release ();
+    }
+    factory->release ();
+    module.bundleExit ();
+    module.unload ();
+    out.timing.teardown = since (t);
+    out.timing.total = since (start);
+    return ok;
+}
+
+} // namespace Workbench

@@ -1,0 +1,331 @@
+#include "workbench/midi/song.h"
+
+#include <algorithm>
+#include <map>
+#include <deque>
+
+namespace Midi {
+
+namespace {
+
+struct Lyric
+{
+    std::uint64_t tick;
+    std::string text;
+    int owner;  // index into the groups, or -1 for whichever track has a note there
+};
+
+struct Group
+{
+    std::string name;
+    std::vector<SongNote> notes;
+};
+
+std::string trim (const std::string& s)
+{
+    const char* blank = " \t\r\n";
+    const auto a = s.find_first_not_of (blank);
+    if (a == std::string::npos)
+        return {};
+    return s.substr (a, s.find_last_not_of (blank) - a + 1);
+}
+
+/** Karaoke words: "@" lines are headers; a leading "\" or "/" only starts a paragraph or line. */
+std::string karaokeWord (const std::string& text)
+{
+    if (!text.empty () && text[0] == '@')
+        return {};
+    std::size_t i = 0;
+    while (i < text.size () && (text[i] == '\\' || text[i] == '/'))
+        ++i;
+    return trim (text.substr (i));
+}
+
+class Clock
+{
+public:
+    Clock (const File& file, std::vector<TempoChange>& tempi)
+    {
+        if (file.division < 0)
+        {
+            // Frame-based time: ticks are seconds already; the tempo map is moot.
+            const double fps = file.division == -29 ? 29.97 : -file.division;
+            secondsPerTick_ = 1.0 / (fps * file.ticksPerFrame);
+            tempi.push_back ({0.0, 120.0});
+            return;
+        }
+        ppq_ = file.division;
+        std::map<std::uint64_t, std::uint32_t> changes;  // the last one at a tick wins
+        for (const Track& t : file.tracks)
+            for (const Event& e : t.events)
+                if (e.kind == Event::Tempo && e.value > 0)
+                    changes[e.tick] = e.value;
+        if (changes.empty () || changes.begin ()->first != 0)
+            changes.emplace (0, 500000u);
+        double seconds = 0.0;
+        std::uint64_t lastTick = 0;
+        std::uint32_t lastTempo = changes.begin ()->second;
+        for (const auto& [tick, tempo] : changes)
+        {
+            seconds += double (tick - lastTick) * lastTempo / (1e6 * ppq_);
+            segments_.push_back ({tick, seconds, tempo});
+            if (tempi.empty () || tempi.back ().bpm != 6e7 / tempo)
+                tempi.push_back ({double (tick) / ppq_, 6e7 / tempo});
+            lastTick = tick;
+            lastTempo = tempo;
+        }
+    }
+
+    double seconds (std::uint64_t tick) const
+    {
+        if (ppq_ == 0)
+            return double (tick) * secondsPerTick_;
+        auto it = std::upper_bound (segments_.begin (), segments_.end (), tick,
+                                    [] (std::uint64_t t, const Segment& s) { return t < s.tick; });
+        const Segment& s = *(it - 1);
+        return s.seconds + double (tick - s.tick) * s.tempo / (1e6 * ppq_);
+    }
+
+    /** How far before a note its lyric may stand: a sixteenth note, or an eighth of a second. */
+    std::uint64_t tolerance () const
+    {
+        if (ppq_ == 0)
+            return static_cast<std::uint64_t> (0.125 / secondsPerTick_);
+        return static_cast<std::uint64_t> (ppq_ / 4);
+    }
+
+private:
+    struct Segment
+    {
+        std::uint64_t tick;
+        double seconds;
+        std::uint32_t tempo;
+    };
+    std::vector<Segment> segments_;
+    int ppq_ = 0;
+    double secondsPerTick_ = 0.0;
+};
+
+/** Pairs each note-off with the earliest open note of its channel and pitch. */
+void collectNotes (const std::vector<const Event*>& events, std::uint64_t trackEnd, std::vector<SongNote>& notes,
+                   std::vector<std::string>& warnings, const std::string& name)
+{
+    std::map<int, std::deque<std::size_t>> open;  // channel * 128 + pitch -> indices into notes
+    for (const Event* e : events)
+    {
+        const int key = e->channel * 128 + e->pitch;
+        if (e->kind == Event::NoteOn)
+        {
+            SongNote n;
+            n.startTick = e->tick;
+            n.pitch = e->pitch;
+            open[key].push_back (notes.size ());
+            notes.push_back (n);
+        }
+        else if (e->kind == Event::NoteOff)
+        {
+            auto it = open.find (key);
+            if (it == open.end () || it->second.empty ())
+                continue;  // a stray note-off
+            notes[it->second.front ()].endTick = e->tick;
+            it->second.pop_front ();
+        }
+    }
+    int unclosed = 0;
+    for (auto& [key, indices] : open)
+        for (std::size_t i : indices)
+        {
+            notes[i].endTick = trackEnd;
+            ++unclosed;
+        }
+    if (unclosed)
+        warnings.push_back (name + ": " + std::to_string (unclosed) + " note(s) never end; they end with the track");
+    const auto before = notes.size ();
+    notes.erase (std::remove_if (notes.begin (), notes.end (),
+                                 [] (const SongNote& n) { return n.endTick <= n.startTick; }),
+                 notes.end ());
+    if (notes.size () != before)
+        warnings.push_back (name + ": " + std::to_string (before - notes.size ()) + " note(s) of no length dropped");
+}
+
+bool attach (std::vector<SongNote>& notes, const Lyric& lyric, std::uint64_t tolerance)
+{
+    auto it = std::lower_bound (notes.begin (), notes.end (), lyric.tick,
+                                [] (const SongNote& n, std::uint64_t t) { return n.startTick < t; });
+    if (it == notes.end () || it->startTick - lyric.tick > tolerance)
+        return false;
+    it->lyric = it->lyric.empty () ? lyric.text : it->lyric + " " + lyric.text;
+    return true;
+}
+
+} // namespace
+
+double Song::length () const
+{
+    double end = 0.0;
+    for (auto& t : tracks)
+        for (auto& n : t.notes)
+            end = std::max (end, n.end);
+    return end;
+}
+
+std::size_t Song::noteCount () const
+{
+    std::size_t n = 0;
+    for (auto& t : tracks)
+        n += t.notes.size ();
+    return n;
+}
+
+namespace {
+
+bool validUtf8 (const std::string& s)
+{
+    std::size_t i = 0;
+    const std::size_t n = s.size ();
+    while (i < n)
+    {
+        const auto c = static_cast<unsigned char> (s[i]);
+        if (c < 0x80)
+        {
+            ++i;
+            continue;
+        }
+        const int extra = (c >> 5) == 6 ? 1 : (c >> 4) == 14 ? 2 : (c >> 3) == 30 ? 3 : 0;
+        if (extra == 0 || n - i <= static_cast<std::size_t> (extra))
+            return false;
+        std::uint32_t cp = c & (0x3Fu >> extra);
+        for (int k = 1; k <= extra; ++k)
+        {
+            const auto b = static_cast<unsigned char> (s[i + static_cast<std::size_t> (k)]);
+            if ((b & 0xC0) != 0x80)
+                return false;
+            cp = (cp << 6) | (b & 0x3F);
+        }
+        // Overlong forms, surrogates and values past U+10FFFF are no UTF-8 either.
+        const std::uint32_t least[] = {0, 0x80, 0x800, 0x10000};
+        if (cp < least[extra] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+            return false;
+        i += static_cast<std::size_t> (extra) + 1;
+    }
+    return true;
+}
+
+} // namespace
+
+std::string toUtf8 (const std::string& bytes)
+{
+    if (validUtf8 (bytes))
+        return bytes;
+    std::string out;
+    for (unsigned char c : bytes)
+    {
+        if (c < 0x80)
+            out += static_cast<char> (c);
+        else
+        {
+            out += static_cast<char> (0xC0 | (c >> 6));
+            out += static_cast<char> (0x80 | (c & 0x3F));
+        }
+    }
+    return out;
+}
+
+bool buildSong (const File& file, Song& out, std::string& error)
+{
+    out = Song {};
+    Clock clock (file, out.tempi);
+
+    bool anyLyricMeta = false;
+    for (const Track& t : file.tracks)
+        for (const Event& e : t.events)
+            anyLyricMeta = anyLyricMeta || e.kind == Event::Lyric;
+
+    std::vector<Group> groups;
+    std::vector<Lyric> lyrics;
+    for (std::size_t ti = 0; ti < file.tracks.size (); ++ti)
+    {
+        const Track& t = file.tracks[ti];
+        std::string name;
+        std::uint64_t trackEnd = 0;
+        std::map<int, std::vector<const Event*>> byChannel;
+        std::vector<Lyric> own;
+        for (const Event& e : t.events)
+        {
+            trackEnd = std::max (trackEnd, e.tick);
+            if (e.kind == Event::TrackName && name.empty ())
+                name = trim (toUtf8 (e.text));
+            else if (e.kind == Event::NoteOn || e.kind == Event::NoteOff)
+                byChannel[file.format == 0 ? e.channel : 0].push_back (&e);
+            else if (e.kind == (anyLyricMeta ? Event::Lyric : Event::Text))
+            {
+                const std::string word = anyLyricMeta ? trim (toUtf8 (e.text)) : karaokeWord (toUtf8 (e.text));
+                if (!word.empty ())
+                    own.push_back ({e.tick, word, -1});
+            }
+        }
+        if (name.empty ())
+            name = "Track " + std::to_string (ti + 1);
+        const std::size_t firstGroup = groups.size ();
+        for (auto& [channel, events] : byChannel)
+        {
+            Group g;
+            g.name = byChannel.size () > 1 ? name + " ch " + std::to_string (channel + 1) : name;
+            collectNotes (events, trackEnd, g.notes, out.warnings, g.name);
+            if (g.notes.empty ())
+                continue;
+            std::stable_sort (g.notes.begin (), g.notes.end (), [] (const SongNote& a, const SongNote& b) {
+                return a.startTick != b.startTick ? a.startTick < b.startTick : a.pitch > b.pitch;
+            });
+            groups.push_back (std::move (g));
+        }
+        // Words of a track that sings go to its own notes; a channel split or a
+        // words-only track leaves them to whichever track has a note there.
+        const int owner = groups.size () == firstGroup + 1 ? static_cast<int> (firstGroup) : -1;
+        for (auto& l : own)
+        {
+            l.owner = owner;
+            lyrics.push_back (std::move (l));
+        }
+    }
+    if (groups.empty ())
+    {
+        error = "the file holds no notes";
+        return false;
+    }
+
+    const std::uint64_t tolerance = clock.tolerance ();
+    std::stable_sort (lyrics.begin (), lyrics.end (), [] (const Lyric& a, const Lyric& b) { return a.tick < b.tick; });
+    int unplaced = 0;
+    for (const Lyric& l : lyrics)
+    {
+        bool placed = false;
+        if (l.owner >= 0)
+            placed = attach (groups[static_cast<std::size_t> (l.owner)].notes, l, tolerance);
+        else
+            for (auto& g : groups)
+                if ((placed = attach (g.notes, l, tolerance)))
+                    break;
+        if (!placed && ++unplaced <= 5)
+            out.warnings.push_back ("lyric \"" + l.text + "\" at tick " + std::to_string (l.tick)
+                                    + " stands on no note and is left out");
+    }
+    if (unplaced > 5)
+        out.warnings.push_back (std::to_string (unplaced - 5) + " more lyric(s) left out");
+
+    for (auto& g : groups)
+    {
+        SongTrack t;
+        t.name = g.name;
+        t.notes = std::move (g.notes);
+        for (auto& n : t.notes)
+        {
+            n.start = clock.seconds (n.startTick);
+            n.end = clock.seconds (n.endTick);
+        }
+        out.tracks.push_back (std::move (t));
+    }
+    return true;
+}
+
+} // namespace Midi

@@ -1,0 +1,182 @@
+#include "workbench/songs/compose.h"
+
+namespace Songs {
+
+namespace {
+
+constexpr int ppq = 480;
+
+std::uint64_t ticks (double beats) { return static_cast<std::uint64_t> (beats * ppq + 0.5); }
+
+/** One track being written: notes in beats, words as lyric or karaoke text events. */
+class Voice
+{
+public:
+    Voice (const std::string& name, int channel, Midi::Event::Kind words = Midi::Event::Lyric)
+        : channel_ (channel), words_ (words)
+    {
+        meta (0, Midi::Event::TrackName, name);
+    }
+
+    /** A note; `lead` places its word that many beats before the note. */
+    Voice& note (double beat, double length, int pitch, const std::string& word = {}, double lead = 0.0)
+    {
+        if (!word.empty ())
+            meta (beat - lead, words_, word);
+        Midi::Event on;
+        on.tick = ticks (beat);
+        on.kind = Midi::Event::NoteOn;
+        on.channel = channel_;
+        on.pitch = pitch;
+        on.velocity = 96;
+        Midi::Event off = on;
+        off.tick = ticks (beat + length);
+        off.kind = Midi::Event::NoteOff;
+        off.velocity = 0;
+        // Offs before ons at the same tick, so that repeated pitches pair up in order.
+        offs_.push_back (off);
+        track_.events.push_back (on);
+        return *this;
+    }
+
+    Voice& meta (double beat, Midi::Event::Kind kind, const std::string& text)
+    {
+        Midi::Event e;
+        e.tick = ticks (beat);
+        e.kind = kind;
+        e.text = text;
+        track_.events.push_back (e);
+        return *this;
+    }
+
+    Midi::Track done ()
+    {
+        std::vector<Midi::Event> all = offs_;
+        all.insert (all.end (), track_.events.begin (), track_.events.end ());
+        track_.events = all;  // the writer sorts stably by tick: offs stay first
+        return track_;
+    }
+
+private:
+    int channel_;
+    Midi::Event::Kind words_;
+    Midi::Track track_;
+    std::vector<Midi::Event> offs_;
+};
+
+Midi::Track conductor (const std::string& title, std::vector<std::pair<double, double>> tempi)
+{
+    Midi::Track t;
+    Midi::Event name;
+    name.kind = Midi::Event::TrackName;
+    name.text = title;
+    t.events.push_back (name);
+    for (auto [beat, bpm] : tempi)
+    {
+        Midi::Event e;
+        e.tick = ticks (beat);
+        e.kind = Midi::Event::Tempo;
+        e.value = static_cast<std::uint32_t> (60000000.0 / bpm + 0.5);
+        t.events.push_back (e);
+    }
+    return t;
+}
+
+Midi::File file (std::vector<Midi::Track> tracks)
+{
+    Midi::File f;
+    f.format = 1;
+    f.division = ppq;
+    f.tracks = std::move (tracks);
+    return f;
+}
+
+enum Pitch
+{
+    C4 = 60, D4 = 62, E4 = 64, F4 = 65, G4 = 67, A4 = 69, B4 = 71, C5 = 72,
+    A3 = 57, B3 = 59, G3 = 55, F3 = 53, E3 = 52
+};
+
+} // namespace
+
+Midi::File morning ()
+{
+    Voice v ("Voice", 0);
+    // Bar 1 opens with a beat of silence; "Hel-lo" holds its first syllable over a second note.
+    v.note (1.0, 0.5, C4, "Hel-lo").note (1.5, 0.5, D4).note (2.0, 1.0, E4).note (3.0, 1.0, G4, "sun");
+    // A half-beat rest, then a word whose sound the singer gives in brackets.
+    v.note (4.0, 1.5, E4, "rise").note (6.0, 0.5, D4, "I").note (6.5, 1.5, C4, "read[r eh d]");
+    // "light" comes a hair late: the gap is too short for a rest.
+    v.note (8.0, 1.0, D4, "a").note (9.0, 0.5, E4, "sto-ry").note (9.5, 0.5, F4).note (10.0, 1.0, E4);
+    v.note (11.0, 0.5, D4, "of").note (11.55, 0.45, C4, "light");
+    v.note (12.0, 2.0, D4, "to-day").note (14.0, 0.5, E4).note (14.5, 1.5, C4);
+    // From bar 5 on the tempo rises from 96 to 120.
+    v.note (16.0, 1.0, G4, "sing").note (17.0, 1.0, A4, "with").note (18.0, 2.0, G4, "me");
+    v.note (20.0, 1.0, E4, "mor-ning").note (21.0, 0.5, F4).note (21.5, 0.5, E4).note (22.0, 2.0, C4, "home");
+    return file ({conductor ("Morning Song", {{0.0, 96.0}, {16.0, 120.0}}), v.done ()});
+}
+
+Midi::File ramen ()
+{
+    // Karaoke style: words in text events, "@" header lines, "\" and "/" start paragraphs and lines.
+    Voice v ("Uta", 0, Midi::Event::Text);
+    v.meta (0.0, Midi::Event::Text, "@KMIDI KARAOKE FILE").meta (0.0, Midi::Event::Text, "@TRamen Song");
+    v.note (0.0, 1.0, G4, "\\きょうは").note (1.0, 0.5, A4).note (1.5, 0.5, G4);
+    v.note (2.0, 1.0, E4, "/らーめん").note (3.0, 1.0, E4).note (4.0, 0.5, D4).note (4.5, 1.5, C4);
+    // This word stands a little before its note, as karaoke files often have it.
+    v.note (6.5, 0.5, D4, "/しゃしん", 0.1).note (7.0, 0.5, E4).note (7.5, 0.5, G4);
+    v.note (8.0, 1.0, A4, "/きって").note (9.0, 0.5, G4).note (9.5, 0.5, E4);
+    v.note (10.0, 1.0, D4, "/カッター").note (11.0, 0.5, E4).note (11.5, 0.5, D4).note (12.0, 1.0, D4);
+    v.note (13.0, 2.0, C4, "ね");
+    return file ({conductor ("Ramen Song", {{0.0, 90.0}}), v.done ()});
+}
+
+Midi::File duet ()
+{
+    Voice lead ("Lead", 0);
+    lead.note (0.0, 1.0, E4, "Shine").note (1.0, 1.0, G4, "on").note (2.0, 2.0, A4, "me");
+    lead.note (4.0, 1.0, G4, "to-night").note (5.0, 1.0, E4).note (6.0, 2.0, D4);
+    Voice harmony ("Harmony", 1);
+    // Enters a beat late and sings across the lead's phrase.
+    harmony.note (1.0, 2.0, C4, "ah").note (3.0, 2.0, E4, "yeah").note (5.0, 3.0, B3, "night");
+    return file ({conductor ("Duet", {{0.0, 110.0}}), lead.done (), harmony.done ()});
+}
+
+Midi::File long400 ()
+{
+    struct Word
+    {
+        const char* text;
+        int notes;
+    };
+    const Word words[] = {{"the", 1},   {"sun", 1},      {"is", 1},     {"bright", 1}, {"hello", 2},
+                          {"morning", 2}, {"sing", 1},   {"today", 2},  {"a", 1},      {"story", 2},
+                          {"of", 1},    {"light", 1},    {"wonderful", 3}, {"together", 3}, {"ho-me", 2}};
+    const int scale[] = {C4, D4, E4, F4, G4, A4, B4, C5, B4, A4, G4, F4, E4, D4};
+    Voice v ("Voice", 0);
+    int placed = 0, w = 0;
+    double beat = 0.0;
+    while (placed < 400)
+    {
+        const Word& word = words[w++ % (sizeof words / sizeof words[0])];
+        for (int i = 0; i < word.notes && placed < 400; ++i, ++placed)
+        {
+            v.note (beat, 0.5, scale[placed % 14], i == 0 ? word.text : "");
+            beat += (placed % 16 == 15) ? 1.5 : 0.5;  // a breath every sixteen notes
+        }
+    }
+    return file ({conductor ("Long Song", {{0.0, 120.0}, {100.0, 132.0}}), v.done ()});
+}
+
+const std::vector<Entry>& all ()
+{
+    static const std::vector<Entry> entries = {
+        {"morning.mid", "English: hyphens, a hint in brackets, a tempo change", morning},
+        {"ramen.mid", "kana karaoke: digraphs, small tsu, long-vowel marks", ramen},
+        {"duet.mid", "two overlapping voices", duet},
+        {"long400.mid", "400 notes, for timing", long400},
+    };
+    return entries;
+}
+
+} // namespace Songs

@@ -1,0 +1,30 @@
+// Our own songs, composed in code. The generator writes them to this folder,
+// and the workbench carries the English one as its built-in example.
+#pragma once
+
+#include "workbench/midi/midi_file.h"
+
+#include <string>
+#include <vector>
+
+namespace Songs {
+
+struct Entry
+{
+    std::string file;  ///< e.g. "morning.mid"
+    std::string about;
+    Midi::File (*compose) ();
+};
+
+/** English: hyphens that hold a syllable, a hint in brackets, a tempo change; lyric events. */
+Midi::File morning ();
+/** Kana in karaoke text events: digraphs, a small tsu, long-vowel marks. */
+Midi::File ramen ();
+/** Two voices whose notes overlap in time, each on its own track. */
+Midi::File duet ();
+/** About 400 notes with words, for timing a whole song. */
+Midi::File long400 ();
+
+const std::vector<Entry>& all ();
+
+} // namespace Songs
