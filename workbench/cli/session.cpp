@@ -10,6 +10,7 @@
 #include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -48,6 +49,28 @@ bool guarded (const char* what, std::string& error, F&& f)
         error = std::string ("the agent threw during ") + what;
     }
     return false;
+}
+
+/** One instrument track: the MIDI tracks that carry its name, in file order. */
+struct TrackParts
+{
+    std::string name;
+    std::vector<const Midi::SongTrack*> parts;
+};
+
+std::vector<TrackParts> partsByTrack (const Midi::Song& song)
+{
+    std::vector<TrackParts> tracks;
+    for (const auto& st : song.tracks)
+    {
+        auto same = std::find_if (tracks.begin (), tracks.end (),
+                                  [&] (const TrackParts& t) { return t.name == st.name; });
+        if (same == tracks.end ())
+            tracks.push_back ({st.name, {&st}});
+        else
+            same->parts.push_back (&st);
+    }
+    return tracks;
 }
 
 } // namespace
@@ -106,21 +129,29 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
                 project.time ().addTempoChange (change.beat, change.bpm);
 
         std::vector<Typed> typing;
-        for (const auto& st : song.tracks)
+        std::vector<std::string> names;
+        for (const auto& group : partsByTrack (song))
         {
-            auto& track = project.root ().addInstrumentTrack (st.name);
-            synths.push_back (std::make_unique<Sim::SvsPlugin> (st.name));
+            auto& track = project.root ().addInstrumentTrack (group.name);
+            names.push_back (group.name);
+            synths.push_back (std::make_unique<Sim::SvsPlugin> (group.name));
             track.addSlot ("Slot 1", synths.back ()->unknown ());
-            double end = 0.0;
-            for (const auto& n : st.notes)
-                end = std::max (end, n.end);
-            // One part from the start of the song to a second past its last note.
-            auto& part = track.addPart (0.0, end + 1.0);
-            for (const auto& n : st.notes)
+            for (std::size_t i = 0; i < group.parts.size (); ++i)
             {
-                Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
-                if (!n.lyric.empty ())
-                    typing.push_back ({&note, n.lyric});
+                const auto& notes = group.parts[i]->notes;
+                double end = 0.0;
+                for (const auto& n : notes)
+                    end = std::max (end, n.end);
+                // The first part starts with the song; a later one with its own first note,
+                // so that it overlaps the part before when it enters while that one sings.
+                // Its content starts with it, so the notes keep their times in the song.
+                auto& part = track.addPart (i == 0 ? 0.0 : notes.front ().start, end + 1.0);
+                for (const auto& n : notes)
+                {
+                    Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
+                    if (!n.lyric.empty ())
+                        typing.push_back ({&note, n.lyric});
+                }
             }
         }
         Sim::AgentDriver driver (host, agent);
@@ -199,7 +230,7 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
         }
 
         for (std::size_t i = 0; i < synths.size (); ++i)
-            out.synthesisers.push_back ({song.tracks[i].name, "Slot 1", synths[i]->title (), synths[i]->notes ()});
+            out.synthesisers.push_back ({names[i], "Slot 1", synths[i]->title (), synths[i]->notes ()});
         out.timing.hostCalls = Sim::CallLog::hostCalls ();
 
         // A host's end: the project goes, the agent is terminated, the histories

@@ -142,6 +142,22 @@ Midi::File duet ()
     return file ({conductor ("Duet", {{0.0, 110.0}}), lead.done (), harmony.done ()});
 }
 
+Midi::File overlap ()
+{
+    // Two MIDI tracks named alike: two parts of one track, the second entering
+    // while the first still sings, their notes taking turns in time.
+    Voice first ("Verse", 0);
+    first.note (1.0, 1.0, C4, "Hel-lo").note (2.0, 1.0, D4).note (3.0, 1.0, E4);
+    // A half-beat rest, then a word on each beat, answered off the beat by the second part.
+    first.note (4.5, 0.5, G4, "I").note (5.0, 0.5, E4, "call").note (6.0, 0.5, E4, "and");
+    first.note (7.0, 0.5, D4, "wait");
+    Voice second ("Verse", 0);
+    second.note (5.5, 0.5, A4, "you").note (6.5, 0.5, A4, "sing").note (7.5, 0.5, G4, "back");
+    // Alone again after another half-beat rest: a word held over three notes.
+    second.note (8.5, 1.0, E4, "to-day").note (9.5, 0.5, D4).note (10.0, 2.0, C4);
+    return file ({conductor ("Overlap", {{0.0, 120.0}}), first.done (), second.done ()});
+}
+
 Midi::File long400 ()
 {
     struct Word
@@ -174,6 +190,7 @@ const std::vector<Entry>& all ()
         {"morning.mid", "English: hyphens, a hint in brackets, a tempo change", morning},
         {"ramen.mid", "kana karaoke: digraphs, small tsu, long-vowel marks", ramen},
         {"duet.mid", "two overlapping voices", duet},
+        {"overlap.mid", "one voice in two overlapping parts", overlap},
         {"long400.mid", "400 notes, for timing", long400},
     };
     return entries;

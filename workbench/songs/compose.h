@@ -22,6 +22,8 @@ Midi::File morning ();
 Midi::File ramen ();
 /** Two voices whose notes overlap in time, each on its own track. */
 Midi::File duet ();
+/** One voice in two parts of one track (two MIDI tracks named alike) that overlap in time. */
+Midi::File overlap ();
 /** About 400 notes with words, for timing a whole song. */
 Midi::File long400 ();
 

@@ -60,6 +60,8 @@ TEST (Workbench, BundledSongsGiveTheReviewedNoteLists)
         {song ("ramen.mid"), "ramen.txt"},
         {song ("duet.mid"), "duet.txt"},
         {song ("duet.mid") + " --json", "duet.json"},
+        // Two parts of one track that overlap: one list, in the order of the notes' starts.
+        {song ("overlap.mid"), "overlap.txt"},
         // Undoing the last word ("home") gives its note back the default vowel.
         {song ("morning.mid") + " --undo 1", "morning-undo1.txt"},
     };
