@@ -9,4 +9,12 @@ SVSHostList::~SVSHostList ()
         hosts.pop_back ();
 }
 
+SVSHostImpl* findHost (SVSHostList& list, Steinberg::ISvsPlugin* plugin)
+{
+    for (auto& host : list.hosts)
+        if (host->getPlugin () == plugin)
+            return host.get ();
+    return nullptr;
+}
+
 } // namespace Zelmor

@@ -32,4 +32,7 @@ struct SVSHostList
     std::string productVendor;
 };
 
+/** The first host that serves `plugin`, by pointer, or null. */
+SVSHostImpl* findHost (SVSHostList& list, Steinberg::ISvsPlugin* plugin);
+
 } // namespace Zelmor

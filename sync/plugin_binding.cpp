@@ -24,14 +24,6 @@ const PluginLabels* labelsOf (const std::vector<PluginLabels>& all, ISvsPlugin* 
     return nullptr;
 }
 
-SVSHostImpl* hostOf (SVSHostList& svsHosts, ISvsPlugin* plugin)
-{
-    for (auto& host : svsHosts.hosts)
-        if (host->getPlugin () == plugin)
-            return host.get ();
-    return nullptr;
-}
-
 // The plug-in is gone from the project: forget it without telling it anything.
 void disconnect (SVSHostImpl& host)
 {
@@ -85,7 +77,7 @@ void bindPlugins (IHostProject* project, SVSHostList& svsHosts)
     for (const auto& plugin : labels)
     {
         const std::string title = hostTitle (plugin);
-        if (auto* host = hostOf (svsHosts, plugin.plugin.get ()))
+        if (auto* host = findHost (svsHosts, plugin.plugin.get ()))
         {
             host->setTitleText (title);
             if (auto sink = queryHost<ISvsTitleSink> (plugin.plugin.get ()))

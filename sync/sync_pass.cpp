@@ -14,17 +14,6 @@
 using namespace Steinberg;
 
 namespace Zelmor {
-namespace {
-
-SVSHostImpl* hostOf (SVSHostList& svsHosts, ISvsPlugin* plugin)
-{
-    for (auto& host : svsHosts.hosts)
-        if (host->getPlugin () == plugin)
-            return host.get ();
-    return nullptr;
-}
-
-} // namespace
 
 void syncPass (const AgentState& agent, IHostProject* project, IProjectEditContext* context, bool markSeen)
 {
@@ -49,7 +38,7 @@ void syncPass (const AgentState& agent, IHostProject* project, IProjectEditConte
     for (ISvsPlugin* plugin : plugins)
     {
         const TrackNotes track = collectTrackNotes (project, root.get (), plugin, markSeen);
-        SVSHostImpl* host = hostOf (agent.svsHosts, plugin);
+        SVSHostImpl* host = findHost (agent.svsHosts, plugin);
         sendNotes (track.notes, host, host != nullptr);
         recordTrack (agent, project, root.get (), plugin, track.notes, context);
     }
@@ -84,7 +73,7 @@ void sendCurrentTrack (SequenceEditStep& step)
         return;
 
     const std::vector<SequenceNote> notes = currentSequence (*step.store).notes;
-    SVSHostImpl* host = step.svsHosts ? hostOf (*step.svsHosts, served) : nullptr;
+    SVSHostImpl* host = step.svsHosts ? findHost (*step.svsHosts, served) : nullptr;
     clearNoteMarks (step.project, root.get ());
     sendNotes (notes, host, host != nullptr);
 }
