@@ -25,8 +25,10 @@ struct TrackerState
 
 TrackerState& state ()
 {
-    static TrackerState s;
-    return s;
+    // Never destroyed: objects that die during exit still find it, and the husks
+    // it keeps stay reachable instead of turning into leaks at exit.
+    static TrackerState* s = new TrackerState;
+    return *s;
 }
 
 ObjectState stateOf (const Object& o, bool alive)
