@@ -2,6 +2,8 @@
 
 #include <re2/re2.h>
 
+#include <dlfcn.h>
+
 namespace Zelmor {
 
 namespace {
@@ -401,8 +403,24 @@ std::unique_ptr<re2::RE2> compileContext(const std::string& context, bool atStar
     return std::make_unique<re2::RE2>(contextPattern(context, atStart, atEnd), options);
 }
 
+// RE2 allocates a few process-wide objects on first use and never frees them. If the
+// library left the process with a module that was unloaded, they would be lost on every
+// load; pinned, the one set serves every later load.
+static void keepRegexLibraryLoaded()
+{
+    Dl_info regexLibrary{}, self{};
+    if (dladdr(reinterpret_cast<void*>(&re2::RE2::FullMatchN), &regexLibrary) == 0 || !regexLibrary.dli_fname)
+        return;
+    // Linked in statically it shares our own file, which must stay free to unload.
+    if (dladdr(reinterpret_cast<void*>(&keepRegexLibraryLoaded), &self) != 0 &&
+        self.dli_fbase == regexLibrary.dli_fbase)
+        return;
+    dlopen(regexLibrary.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
 LetterToSoundEngine::LetterToSoundEngine()
 {
+    keepRegexLibraryLoaded();
     for (const auto& raw : letterToSoundRules) {
         CompiledRule rule;
         rule.match = raw.match;
