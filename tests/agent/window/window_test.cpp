@@ -131,10 +131,9 @@ public:
 
     ~Agent ()
     {
-        if (!base)
-            return;
-        if (!released)
-            base->terminate ();
+        if (!base || released)
+            return;  // a case that let the last reference go has nothing left to release
+        base->terminate ();
         releaseObject ();
     }
 
