@@ -86,8 +86,10 @@ public:
 
     /** Waits for the mutex, binds the plug-ins and runs a pass over `project`. */
     void runLockedPass (Steinberg::IHostProject* project, Steinberg::IProjectEditContext* context);
+    /** How an idle pass ended: it ran, the mutex was taken, or there was nothing to do. */
+    enum class IdleOutcome { ran, mutexTaken, nothingToDo };
     /** Tries the mutex; gives up if it is taken, if there is no active project or if it is busy. */
-    void runIdlePass ();
+    IdleOutcome runIdlePass ();
     /** Creates the editor window on first use, shows it and brings it to the front. */
     void showEditor ();
 

@@ -38,20 +38,21 @@ void CantorelaBetaAgent::runLockedPass (IHostProject* project, IProjectEditConte
     Zelmor::syncPass (agentState (), project, context, true);
 }
 
-void CantorelaBetaAgent::runIdlePass ()
+CantorelaBetaAgent::IdleOutcome CantorelaBetaAgent::runIdlePass ()
 {
     std::unique_lock<std::mutex> lock (mutex, std::try_to_lock);
     if (!lock.owns_lock ())
-        return;  // a pass is under way: nothing is queued, the next idle call catches up
+        return IdleOutcome::mutexTaken;  // a pass is under way: nothing is queued, the next idle call catches up
     if (!projectManager)
-        return;
+        return IdleOutcome::nothingToDo;
     IHostProject* project = projectManager->getActiveProject ();
     if (!project)
-        return;
+        return IdleOutcome::nothingToDo;
     if (project->isBusy () & 1)
-        return;
+        return IdleOutcome::nothingToDo;
     Zelmor::bindPlugins (project, *svsHosts);
     Zelmor::syncPass (agentState (), project, nullptr, false);
+    return IdleOutcome::ran;
 }
 
 void PLUGIN_API CantorelaBetaAgent::onIdle ()
