@@ -45,14 +45,11 @@ std::vector<std::u16string> splitTexts (const uint8_t* data, std::size_t size)
         if (text.size () < 2 || text[0] != 0xFFFF)
             continue;
         const std::size_t want = std::min<std::size_t> (static_cast<std::size_t> (text[1]) * 8, kMaxRepeatUnits);
-        std::u16string pattern = text.substr (2);
-        if (pattern.empty ())
-            pattern = u"a";
-        std::u16string grown;
-        grown.reserve (want + pattern.size ());
-        while (grown.size () < want)
-            grown += pattern;
-        text = std::move (grown);
+        const std::u16string pattern = text.size () > 2 ? std::u16string (text.begin () + 2, text.end ()) : u"a";
+        std::u16string grown (std::max (want, pattern.size ()), u'a');
+        for (std::size_t i = 0; i < grown.size (); ++i)
+            grown[i] = pattern[i % pattern.size ()];
+        text.swap (grown);
     }
     return texts;
 }
