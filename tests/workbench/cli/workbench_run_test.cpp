@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
@@ -25,7 +26,11 @@ std::string slurp (const std::string& path)
     return std::string ((std::istreambuf_iterator<char> (in)), std::istreambuf_iterator<char> ());
 }
 
-std::string temp (const std::string& name) { return ::testing::TempDir () + "wb_" + name; }
+// ctest runs the cases as separate processes side by side: each keeps its files apart.
+std::string temp (const std::string& name)
+{
+    return ::testing::TempDir () + "wb_" + std::to_string (getpid ()) + "_" + name;
+}
 
 Outcome workbench (const std::string& args)
 {
