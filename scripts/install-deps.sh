@@ -9,7 +9,7 @@ packages=(
   libx11-dev libxext-dev libxrandr-dev libxinerama-dev libxcursor-dev libxcomposite-dev libfontconfig1-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   pocketsphinx-en-us espeak-ng
-  xvfb xauth x11-utils imagemagick fonts-dejavu-core
+  xvfb xauth x11-utils imagemagick fonts-dejavu-core fonts-vlgothic
 )
 
 missing=()

@@ -3,6 +3,7 @@
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
+#include "workbench/cli/song_file.h"
 #include "workbench/midi/song.h"
 #include "workbench/songs/compose.h"
 
@@ -25,6 +26,7 @@ const char* usage =
     "  --module PATH        the module bundle or .so to load (default: the one in the build folder)\n"
     "  --json               print JSON instead of the table\n"
     "  --piano-roll FILE    also draw the received notes into a PNG\n"
+    "  --write-midi FILE    also write the song as the host's notes stand at the end, lyrics written back\n"
     "  --undo N             undo N host edits after the lyrics are typed\n"
     "  --redo N             then redo N of them\n"
     "  --idle N             idle passes after the edits and after undo/redo (default 2)\n"
@@ -55,7 +57,7 @@ int main (int argc, char** argv)
 {
     Workbench::Options options;
     options.modulePath = CANTORELA_MODULE_PATH;
-    std::string songPath, rollPath;
+    std::string songPath, rollPath, midiPath;
     bool asJson = false, timing = false;
 
     for (int i = 1; i < argc; ++i)
@@ -75,12 +77,12 @@ int main (int argc, char** argv)
             options.paced = true;
         else if (arg == "--show-editor")
             options.showEditor = true;
-        else if (arg == "--module" || arg == "--piano-roll")
+        else if (arg == "--module" || arg == "--piano-roll" || arg == "--write-midi")
         {
             const char* v = value ();
             if (!v || !*v)
                 return fail (arg + " needs a path\n" + usage, 2);
-            (arg == "--module" ? options.modulePath : rollPath) = v;
+            (arg == "--module" ? options.modulePath : arg == "--piano-roll" ? rollPath : midiPath) = v;
         }
         else if (arg == "--undo" || arg == "--redo" || arg == "--idle" || arg == "--editor-seconds")
         {
@@ -142,6 +144,8 @@ int main (int argc, char** argv)
         std::fputs (Workbench::timingText (outcome).c_str (), stderr);
 
     if (!rollPath.empty () && !Workbench::writePianoRoll (outcome, name, rollPath, error))
+        return fail (error);
+    if (!midiPath.empty () && !Workbench::writeSongFile (name, outcome, midiPath, error))
         return fail (error);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "workbench/sim/note_rows.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
@@ -38,6 +39,37 @@ std::string quoted (const std::string& s)
     return out + "\"";
 }
 
+/** Columns a text takes in a terminal: East Asian wide characters take two. */
+std::size_t columns (const std::string& s)
+{
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < s.size ();)
+    {
+        const auto c = static_cast<unsigned char> (s[i]);
+        const std::size_t len = c < 0x80 ? 1 : (c >> 5) == 6 ? 2 : (c >> 4) == 14 ? 3 : (c >> 3) == 30 ? 4 : 1;
+        std::uint32_t cp = len == 1 ? c : c & (0x7Fu >> len);
+        for (std::size_t k = 1; k < len && i + k < s.size (); ++k)
+            cp = (cp << 6) | (static_cast<unsigned char> (s[i + k]) & 0x3Fu);
+        i += len;
+        const bool wide = (cp >= 0x1100 && cp <= 0x115F) || (cp >= 0x2E80 && cp <= 0xA4CF)
+                          || (cp >= 0xAC00 && cp <= 0xD7A3) || (cp >= 0xF900 && cp <= 0xFAFF)
+                          || (cp >= 0xFF00 && cp <= 0xFF60) || (cp >= 0xFFE0 && cp <= 0xFFE6)
+                          || (cp >= 0x20000 && cp <= 0x3FFFD);
+        n += wide ? 2 : 1;
+    }
+    return n;
+}
+
+/** A lyric in a column of `width`: control characters would break the row. */
+std::string cell (std::string text, std::size_t width)
+{
+    for (char& c : text)
+        if (static_cast<unsigned char> (c) < 0x20)
+            c = ' ';
+    const std::size_t used = columns (text);
+    return used < width ? text + std::string (width - used, ' ') : text;
+}
+
 } // namespace
 
 std::string pitchName (float cents)
@@ -62,13 +94,19 @@ std::string table (const std::string& song, const Outcome& outcome)
         const auto rows = Sim::rowsOf (synth.notes);
         out += format ("== %s / %s  (%zu records)  \"%s\"\n", synth.track.c_str (), synth.slot.c_str (), rows.size (),
                        synth.title.c_str ());
-        out += format ("%4s %9s %9s %-6s %7s  %-4s  %s\n", "#", "start", "end", "pitch", "cents", "kind", "phonemes");
+        // The lyric column is as wide as its longest text, within reason.
+        std::size_t width = 5;
+        for (const auto& lyric : synth.lyrics)
+            width = std::max (width, std::min<std::size_t> (columns (lyric), 24));
+        out += format ("%4s %9s %9s %-6s %7s  %-4s  ", "#", "start", "end", "pitch", "cents", "kind")
+               + cell ("lyric", width) + "  phonemes\n";
         for (std::size_t i = 0; i < rows.size (); ++i)
         {
             const auto& r = rows[i];
-            out += format ("%4zu %9.3f %9.3f %-6s %7.0f  %-4s  %s\n", i + 1, r.start, r.end,
-                           pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents), kind (r),
-                           r.phonemes.c_str ());
+            out += format ("%4zu %9.3f %9.3f %-6s %7.0f  %-4s  ", i + 1, r.start, r.end,
+                           pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents), kind (r))
+                   + cell (i < synth.lyrics.size () ? synth.lyrics[i] : std::string (), width) + "  " + r.phonemes
+                   + "\n";
         }
         out += "\n";
     }
@@ -101,10 +139,11 @@ std::string json (const std::string& song, const Outcome& outcome)
             }
             out += i ? ",\n      " : "\n      ";
             out += format ("{\"start\": %.6f, \"end\": %.6f, \"pitch\": \"%s\", \"cents\": %.1f, \"rest\": %s, "
-                           "\"continuation\": %s, \"phonemes\": [",
+                           "\"continuation\": %s, \"lyric\": ",
                            r.start, r.end, pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents),
                            r.rest ? "true" : "false", r.continuation ? "true" : "false")
-                   + phonemes + "]}";
+                   + (r.rest ? "null" : quoted (i < synth.lyrics.size () ? synth.lyrics[i] : std::string ()))
+                   + ", \"phonemes\": [" + phonemes + "]}";
         }
         out += rows.empty () ? "]}" : "\n     ]}";
     }

@@ -130,10 +130,12 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
 
         std::vector<Typed> typing;
         std::vector<std::string> names;
+        std::vector<std::vector<Sim::Note*>> trackNotes;
         for (const auto& group : partsByTrack (song))
         {
             auto& track = project.root ().addInstrumentTrack (group.name);
             names.push_back (group.name);
+            trackNotes.emplace_back ();
             synths.push_back (std::make_unique<Sim::SvsPlugin> (group.name));
             track.addSlot ("Slot 1", synths.back ()->unknown ());
             for (std::size_t i = 0; i < group.parts.size (); ++i)
@@ -149,6 +151,7 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
                 for (const auto& n : notes)
                 {
                     Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
+                    trackNotes.back ().push_back (&note);
                     if (!n.lyric.empty ())
                         typing.push_back ({&note, n.lyric});
                 }
@@ -229,8 +232,18 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
                 out.notices.push_back (reason);
         }
 
+        // What the host holds now, with the texts that the agent wrote back.
         for (std::size_t i = 0; i < synths.size (); ++i)
-            out.synthesisers.push_back ({names[i], "Slot 1", synths[i]->title (), synths[i]->notes ()});
+        {
+            Received r {names[i], "Slot 1", synths[i]->title (), synths[i]->notes (), {}, {}};
+            for (const Sim::Note* note : trackNotes[i])
+                r.hostNotes.push_back ({note->start (), note->end (), project.time ().secondsToBeats (note->start ()),
+                                        project.time ().secondsToBeats (note->end ()), note->pitch (),
+                                        note->lyric ()});
+            r.lyrics = lyricsOfRecords (r.notes, r.hostNotes);
+            out.synthesisers.push_back (std::move (r));
+        }
+        out.tempi = song.tempi.empty () ? std::vector<Midi::TempoChange> {{0.0, 120.0}} : song.tempi;
         out.timing.hostCalls = Sim::CallLog::hostCalls ();
 
         // A host's end: the project goes, the agent is terminated, the histories

@@ -3,6 +3,7 @@
 // redo, and what each synthesiser received at the end.
 #pragma once
 
+#include "workbench/cli/host_notes.h"
 #include "workbench/midi/song.h"
 #include "svs/svs_interfaces.h"
 
@@ -28,6 +29,8 @@ struct Received
     std::string slot;
     std::string title;  ///< what the agent told the synthesiser its name is
     std::vector<SVS::SVSNote> notes;
+    std::vector<HostNote> hostNotes;  ///< the track's notes at the end, part by part in the host's order
+    std::vector<std::string> lyrics;  ///< per record, its host note's "lyrics"; empty for a rest
 };
 
 struct Timing
@@ -40,6 +43,7 @@ struct Timing
 struct Outcome
 {
     std::vector<Received> synthesisers;
+    std::vector<Midi::TempoChange> tempi;  ///< the project's tempo map
     Timing timing;
     std::vector<std::string> notices;  ///< things worth saying that are not errors
 };

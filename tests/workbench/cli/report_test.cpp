@@ -1,9 +1,12 @@
-// Pitch names, the JSON a program reads, and the bounds of the piano roll.
+// Pitch names, the JSON a program reads, the bounds of the piano roll, and the
+// MIDI file of what the host holds.
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
+#include "workbench/cli/song_file.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -45,7 +48,7 @@ TEST (Report, JsonEscapesNamesAndReadsAtMostEightBytesAnEntry)
     const std::string json = Workbench::json ("s", outcome);
     EXPECT_NE (json.find ("\"track\": \"Say \\\"hi\\\"\\\\\\u000a\""), std::string::npos) << json;
     EXPECT_NE (json.find ("\"phonemes\": [\"abcdefgh\"]"), std::string::npos) << json;
-    EXPECT_NE (json.find ("\"rest\": true, \"continuation\": false, \"phonemes\": [\"sil\"]"), std::string::npos);
+    EXPECT_NE (json.find ("\"rest\": true, \"continuation\": false, \"lyric\": null, \"phonemes\": [\"sil\"]"), std::string::npos);
 
     outcome.synthesisers.clear ();
     EXPECT_EQ (Workbench::json ("s", outcome), "{\n  \"song\": \"s\",\n  \"synthesisers\": []\n}\n");
@@ -60,7 +63,7 @@ TEST (Report, PianoRollStaysBoundedForLongOrEmptyLists)
     outcome.synthesisers.push_back (synth);
     auto size = Workbench::pianoRollSize (outcome);
     EXPECT_EQ (size.width, 128 + 100);
-    EXPECT_EQ (size.height, 24 + 15 * 14 + 8);
+    EXPECT_EQ (size.height, 24 + 18 + 15 * 14 + 8);  // no words: no lane for them
 
     outcome.synthesisers[0].notes.push_back (record (1.0, 1e9, 0.0f, "a"));  // an absurd end
     size = Workbench::pianoRollSize (outcome);
@@ -69,7 +72,37 @@ TEST (Report, PianoRollStaysBoundedForLongOrEmptyLists)
     outcome.synthesisers[0].notes.clear ();  // nothing received: one empty panel
     size = Workbench::pianoRollSize (outcome);
     EXPECT_EQ (size.width, 128);
-    EXPECT_EQ (size.height, 24 + 3 * 14 + 8);
+    EXPECT_EQ (size.height, 24 + 18 + 3 * 14 + 8);
+}
+
+TEST (Report, SongFileKeepsOverlapsOfOnePitchAndPositionsOffTheUsualGrid)
+{
+    Workbench::Outcome outcome;
+    outcome.tempi = {{0.0, 120.0}};
+    Workbench::Received synth;
+    synth.track = "Voice";
+    // A note that enters while another of its pitch sounds, and one a seventh of a beat in.
+    synth.hostNotes = {{0.0, 2.0, 0.0, 4.0, 60, "la[l aa]"},
+                       {0.5, 1.0, 1.0, 2.0, 60, ""},
+                       {1.0 / 14, 0.5, 1.0 / 7, 1.0, 64, "[-]"}};
+    outcome.synthesisers.push_back (synth);
+    Midi::File file;
+    Midi::Song song;
+    std::string error;
+    ASSERT_TRUE (Workbench::songFile ("s", outcome, file, error)) << error;
+    const auto bytes = Midi::write (file);
+    ASSERT_TRUE (Midi::parse (bytes.data (), bytes.size (), file, error) && Midi::buildSong (file, song, error));
+    ASSERT_EQ (song.tracks.size (), 1u);
+    std::string notes;
+    char buf[64];
+    for (const auto& n : song.tracks[0].notes)
+        notes += (std::snprintf (buf, sizeof buf, "%.9f-%.9f %d ", n.start, n.end, n.pitch), buf) + n.lyric + "\n";
+    EXPECT_EQ (notes, "0.000000000-2.000000000 60 la[l aa]\n0.071428571-0.500000000 64 [-]\n"
+                      "0.500000000-1.000000000 60 \n");
+
+    outcome.synthesisers[0].hostNotes[1].endBeat = 1e12;  // past what the ticks hold
+    EXPECT_FALSE (Workbench::songFile ("s", outcome, file, error));
+    EXPECT_NE (error.find ("past what a MIDI file"), std::string::npos) << error;
 }
 
 } // namespace

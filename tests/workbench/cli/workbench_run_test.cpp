@@ -1,9 +1,11 @@
 // The built workbench, run as a user runs it: on the bundled songs against
-// outputs reviewed by hand, through undo and redo, into a PNG, and on bad input.
+// outputs reviewed by hand, through undo and redo, into a PNG and a MIDI file
+// that reads back, and on bad input.
 #include "workbench/midi/midi_file.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -116,15 +118,50 @@ TEST (Workbench, PianoRollIsAPngOfTheExpectedSize)
     };
     // The duet's records end at 5.364 s (the closing rests): 100 px a second and two
     // 64 px margins. Lead sings D4..A4, with a spare row each side 10 rows; Harmony
-    // B3..E4, 8 rows; a panel is a 24 px title, 14 px a row and 8 px below.
+    // B3..E4, 8 rows; a panel is a 24 px title, an 18 px ruler, 14 px a row, two
+    // 14 px lines of words 5 px below and 8 px below that.
     EXPECT_EQ (be32 (16), 128u + 537u);
-    EXPECT_EQ (be32 (20), (24u + 10u * 14u + 8u) + (24u + 8u * 14u + 8u));
+    EXPECT_EQ (be32 (20), (24u + 18u + 10u * 14u + 33u + 8u) + (24u + 18u + 8u * 14u + 33u + 8u));
+}
+
+TEST (Workbench, WrittenSongReadsBackToTheSameNoteLists)
+{
+    // Under the same file name, so that the titles agree too.
+    const std::string dir = temp ("written");
+    mkdir (dir.c_str (), 0755);
+    for (const char* name : {"morning.mid", "overlap.mid"})
+    {
+        const std::string copy = dir + "/" + name;
+        std::remove (copy.c_str ());
+        const Outcome first = workbench (song (name) + " --json --write-midi " + copy);
+        ASSERT_EQ (first.status, 0) << first.err;
+        const Outcome again = workbench (copy + " --json");
+        EXPECT_EQ (again.status, 0) << again.err;
+        EXPECT_EQ (again.out, first.out) << name;
+    }
+    // The texts are the ones written back, the tempo change is kept.
+    Midi::File file;
+    std::string error;
+    ASSERT_TRUE (Midi::load (dir + "/morning.mid", file, error)) << error;
+    EXPECT_EQ (file.format, 1);
+    ASSERT_EQ (file.tracks.size (), 2u);
+    std::string texts;
+    int tempi = 0;
+    for (const auto& track : file.tracks)
+        for (const auto& e : track.events)
+        {
+            texts += e.kind == Midi::Event::Lyric ? e.text + "|" : "";
+            tempi += e.kind == Midi::Event::Tempo;
+        }
+    EXPECT_EQ (tempi, 2);
+    EXPECT_EQ (texts.substr (0, 34), "Hel-lo[hh ah]|[-]|[l ow]|sun[s ah ") << texts;
 }
 
 TEST (Workbench, BadInputIsRefusedWithAReason)
 {
     const std::string text = temp ("not-midi.mid"), cut = temp ("cut.mid"), silent = temp ("silent.mid"),
-                      fake = temp ("fake.so");
+                      fake = temp ("fake.so"), unwritten = temp ("unwritten.mid");
+    std::remove (unwritten.c_str ());
     std::ofstream (text) << "just some words\n";
     std::ofstream (fake) << "not a shared object\n";
     const std::string morning = slurp (song ("morning.mid"));
@@ -165,8 +202,8 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         {"/nonexistent/song.mid", 1, "cannot open /nonexistent/song.mid"},
         {text, 1, "not a Standard MIDI File"},
         {cut, 1, "claims"},
-        {silent, 1, "the file holds no notes"},
-        {blankHint, 1, "the agent threw during a lyric edit"},
+        {silent + " --write-midi " + unwritten, 1, "the file holds no notes"},
+        {blankHint + " --write-midi " + unwritten, 1, "the agent threw during a lyric edit"},
         {"--module /nonexistent/Agent.vst3", 1, "cannot load module /nonexistent/Agent.vst3"},
         {"--module " + fake, 1, "cannot load module"},
         {"--module " + song ("morning.mid"), 1, "cannot load module"},
@@ -175,6 +212,8 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         {"a.mid b.mid", 2, "one song at a time"},
         {"--piano-roll", 2, "--piano-roll needs a path"},
         {"--piano-roll /nonexistent/dir/roll.png", 1, "cannot write /nonexistent/dir/roll.png"},
+        {"--write-midi", 2, "--write-midi needs a path"},
+        {"--write-midi /nonexistent/dir/out.mid", 1, "cannot write /nonexistent/dir/out.mid"},
     };
     for (const auto& c : cases)
     {
@@ -182,6 +221,7 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         EXPECT_EQ (run.status, c.status) << c.args << "\n" << run.err;
         EXPECT_NE (run.err.find (c.says), std::string::npos) << c.args << ": " << run.err;
     }
+    EXPECT_FALSE (std::ifstream (unwritten).good ()) << "a failed run wrote " << unwritten;
 }
 
 } // namespace

@@ -1,0 +1,141 @@
+#include "workbench/cli/song_file.h"
+
+#include "workbench/cli/file_output.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Workbench {
+
+namespace {
+
+constexpr double maxTick = 0x0FFFFFFF;  // what four bytes of a variable-length number hold
+
+/**
+ * The first of a few common resolutions that places every position on a
+ * tick, so that the file reads back to the same times; the finest of them
+ * where none does.
+ */
+int division (const Outcome& outcome)
+{
+    std::vector<double> beats;
+    for (const auto& t : outcome.tempi)
+        beats.push_back (t.beat);
+    for (const auto& synth : outcome.synthesisers)
+        for (const auto& n : synth.hostNotes)
+        {
+            beats.push_back (n.startBeat);
+            beats.push_back (n.endBeat);
+        }
+    for (int d : {480, 960, 3840})
+        if (std::all_of (beats.begin (), beats.end (), [d] (double b) {
+                const double t = b * d;
+                return std::fabs (t - std::round (t)) < 1e-6;
+            }))
+            return d;
+    return 10080;
+}
+
+Midi::Event event (std::uint64_t tick, Midi::Event::Kind kind, std::string text = {})
+{
+    Midi::Event e;
+    e.tick = tick;
+    e.kind = kind;
+    e.text = std::move (text);
+    return e;
+}
+
+} // namespace
+
+bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out, std::string& error)
+{
+    out = Midi::File {};
+    out.format = 1;
+    out.division = division (outcome);
+    bool fits = true;
+    auto tickOf = [&] (double beat) {
+        const double t = std::round (std::max (0.0, beat) * out.division);
+        fits = fits && std::isfinite (t) && t <= maxTick;
+        return fits ? static_cast<std::uint64_t> (t) : std::uint64_t {0};
+    };
+
+    Midi::Track conductor;
+    conductor.events.push_back (event (0, Midi::Event::TrackName, title));
+    for (const auto& t : outcome.tempi)
+    {
+        Midi::Event e = event (tickOf (t.beat), Midi::Event::Tempo);
+        e.value = static_cast<std::uint32_t> (std::clamp (std::lround (6e7 / t.bpm), 1L, 0xFFFFFFL));
+        conductor.events.push_back (e);
+    }
+    out.tracks.push_back (std::move (conductor));
+
+    for (const auto& synth : outcome.synthesisers)
+    {
+        struct Placed
+        {
+            std::uint64_t start, end;
+            const HostNote* note;
+        };
+        std::vector<Placed> notes;
+        for (const auto& n : synth.hostNotes)
+        {
+            const std::uint64_t start = tickOf (n.startBeat);
+            notes.push_back ({start, std::max (start + 1, tickOf (n.endBeat)), &n});
+        }
+        std::stable_sort (notes.begin (), notes.end (), [] (const Placed& a, const Placed& b) {
+            return a.start != b.start ? a.start < b.start : a.note->pitch > b.note->pitch;
+        });
+
+        // A reader pairs a note-off with the earliest open note of its channel and pitch, so a
+        // note that starts while another of its pitch still sounds goes on a channel of its own.
+        std::vector<std::array<std::uint64_t, 16>> busy (128);
+        std::vector<Midi::Event> offs, ons;
+        for (const auto& p : notes)
+        {
+            const int pitch = std::clamp (p.note->pitch, 0, 127);
+            int channel = 0;
+            for (int c = 0; c < 16; ++c)
+                if (c != 9 && busy[static_cast<std::size_t> (pitch)][static_cast<std::size_t> (c)] <= p.start)
+                {
+                    channel = c;
+                    break;
+                }
+            busy[static_cast<std::size_t> (pitch)][static_cast<std::size_t> (channel)] = p.end;
+            if (!p.note->lyric.empty ())
+                ons.push_back (event (p.start, Midi::Event::Lyric, p.note->lyric));
+            Midi::Event on = event (p.start, Midi::Event::NoteOn);
+            on.channel = channel;
+            on.pitch = pitch;
+            on.velocity = 100;
+            ons.push_back (on);
+            on.tick = p.end;
+            on.kind = Midi::Event::NoteOff;
+            on.velocity = 0;
+            offs.push_back (on);
+        }
+        // The writer sorts stably by tick: a note ends before the next one at the same tick begins.
+        Midi::Track track;
+        track.events.push_back (event (0, Midi::Event::TrackName, synth.track));
+        track.events.insert (track.events.end (), offs.begin (), offs.end ());
+        track.events.insert (track.events.end (), ons.begin (), ons.end ());
+        out.tracks.push_back (std::move (track));
+    }
+    if (!fits)
+        error = "the song reaches past what a MIDI file's ticks can hold at " + std::to_string (out.division)
+                + " a quarter note";
+    return fits;
+}
+
+bool writeSongFile (const std::string& title, const Outcome& outcome, const std::string& path, std::string& error)
+{
+    Midi::File file;
+    if (!songFile (title, outcome, file, error))
+    {
+        error = "cannot write " + path + ": " + error;
+        return false;
+    }
+    return replaceFile (path, Midi::write (file), error);
+}
+
+} // namespace Workbench
