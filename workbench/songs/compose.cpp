@@ -1,5 +1,7 @@
 #include "workbench/songs/compose.h"
 
+#include "workbench/songs/score_writer.h"
+
 namespace Songs {
 
 namespace {
@@ -94,7 +96,7 @@ Midi::File file (std::vector<Midi::Track> tracks)
 enum Pitch
 {
     C4 = 60, D4 = 62, E4 = 64, F4 = 65, G4 = 67, A4 = 69, B4 = 71, C5 = 72,
-    A3 = 57, B3 = 59, G3 = 55, F3 = 53, E3 = 52
+    A3 = 57, B3 = 59, G3 = 55, F3 = 53, E3 = 52, C3 = 48
 };
 
 } // namespace
@@ -184,6 +186,35 @@ Midi::File long400 ()
     return file ({conductor ("Long Song", {{0.0, 120.0}, {100.0, 132.0}}), v.done ()});
 }
 
+std::string lantern ()
+{
+    ScoreWriter s ("Lantern");
+    s.part ("Soprano").tempo (84);
+    // "Lan-tern" holds its first syllable over a note of the word without words of its own.
+    s.note (E4, 1, {"Lan-", "Qui-"}).note (G4, 1).note (A4, 1, {"-tern", "-et"}).note (G4, 1, {"in", "is"});
+    s.note (E4, 1, {"the", "the"}).note (D4, 1, {"win-", "ri-"}).note (E4, 2, {"-dow", "-ver"});
+    // After a rest, a word on an extension line over three notes, the last tied over the barline.
+    s.rest (1).note (G4, 1, {"glow_", "slow_"}).note (A4, 1).note (G4, 2);
+    s.note (E4, 1, {"a", "a"}).note (F4, 1, {"won-", "sil-"}).note (E4, 1, {"-der-", "-ver"});
+    s.tempo (100).note (D4, 1, {"-ful", "moon"}).note (E4, 1, {"light", "bright"}).rest (2);
+    s.note (C4, 1, {"car-", "sing-"}).note (D4, 1, {"-ry", "-ing"}).note (E4, 1, {"me", "us"}).note (G4, 1, {"home", "home"});
+    s.note (A4, 1, {"to-", "to-"}).note (G4, 1).note (E4, 2, {"-night_", "-night_"});
+    s.note (D4, 1).note (C4, 3);
+    // The piano has chords and no words: a track of its own with nothing typed.
+    s.part ("Piano");
+    for (int root : {C3, C3, F3, C3, G3, C3, F3, C3})
+        s.note (root, 4).chord (root + 4).chord (root + 7);
+    return s.text ();
+}
+
+std::vector<std::uint8_t> bytes (const Entry& entry)
+{
+    if (entry.compose)
+        return Midi::write (entry.compose ());
+    const std::string text = entry.score ();
+    return std::vector<std::uint8_t> (text.begin (), text.end ());
+}
+
 const std::vector<Entry>& all ()
 {
     static const std::vector<Entry> entries = {
@@ -192,6 +223,7 @@ const std::vector<Entry>& all ()
         {"duet.mid", "two overlapping voices", duet},
         {"overlap.mid", "one voice in two overlapping parts", overlap},
         {"long400.mid", "400 notes, for timing", long400},
+        {"lantern.musicxml", "MusicXML: syllables, held notes, a tie, two verses, a piano part", nullptr, lantern},
     };
     return entries;
 }

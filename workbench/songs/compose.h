@@ -14,7 +14,11 @@ struct Entry
     std::string file;  ///< e.g. "morning.mid"
     std::string about;
     Midi::File (*compose) ();
+    std::string (*score) () = nullptr;  ///< a MusicXML score instead, when `compose` is null
 };
+
+/** What the generator writes for an entry. */
+std::vector<std::uint8_t> bytes (const Entry& entry);
 
 /** English: hyphens that hold a syllable, a hint in brackets, a tempo change; lyric events. */
 Midi::File morning ();
@@ -26,6 +30,8 @@ Midi::File duet ();
 Midi::File overlap ();
 /** About 400 notes with words, for timing a whole song. */
 Midi::File long400 ();
+/** A MusicXML score: words in syllables, held notes, a tie, two verses, a tempo change, a piano part without words. */
+std::string lantern ();
 
 const std::vector<Entry>& all ();
 

@@ -200,7 +200,7 @@ TEST (BundledSongs, AreWhatTheGeneratorWrites)
         std::ifstream in (std::string (SONGS_DIR) + "/" + entry.file, std::ios::binary);
         ASSERT_TRUE (in) << entry.file << " is missing: run generate_songs " << SONGS_DIR;
         const Bytes onDisk ((std::istreambuf_iterator<char> (in)), std::istreambuf_iterator<char> ());
-        EXPECT_EQ (onDisk, Midi::write (entry.compose ())) << entry.file << " differs: run generate_songs";
+        EXPECT_EQ (onDisk, Songs::bytes (entry)) << entry.file << " differs: run generate_songs";
     }
     Midi::Song s;
     std::string error;
