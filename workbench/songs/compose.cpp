@@ -133,6 +133,24 @@ Midi::File ramen ()
     return file ({conductor ("Ramen Song", {{0.0, 90.0}}), v.done ()});
 }
 
+Midi::File evening ()
+{
+    // As a common converter writes karaoke: headers, a description of the track before the first
+    // line, and each syllable a tick before its note; a leading blank begins a word, "\" and "/" a line.
+    Voice v ("Evening", 0, Midi::Event::Text);
+    v.meta (0.0, Midi::Event::Text, "@KMIDI KARAOKE FILE").meta (0.0, Midi::Event::Text, "@TEvening");
+    v.meta (0.0, Midi::Event::Text, "melody and words");
+    const double tick = 1.0 / ppq;
+    v.note (1.0, 1.0, E4, "\\Qui", tick).note (2.0, 1.0, G4, "et", tick).note (3.0, 1.0, A4, " eve", tick);
+    v.note (4.0, 1.0, G4, "ning", tick).note (5.0, 2.0, E4, " comes", tick);
+    // "bove" is held over a second note, and "wa-ter" runs on into one more.
+    v.note (8.0, 1.0, D4, "/Stars", tick).note (9.0, 0.5, E4, " a", tick).note (9.5, 0.5, F4, "bove", tick);
+    v.note (10.0, 1.0, G4).note (11.0, 1.0, E4, " the", tick).note (12.0, 1.0, D4, " wa", tick);
+    v.note (13.0, 1.0, C4, "ter", tick).note (14.0, 1.0, D4);
+    v.note (16.0, 1.0, E4, "/Sing", tick).note (17.0, 1.0, D4, " me", tick).note (18.0, 2.0, C4, " home", tick);
+    return file ({conductor ("Evening", {{0.0, 100.0}}), v.done ()});
+}
+
 Midi::File duet ()
 {
     Voice lead ("Lead", 0);
@@ -196,7 +214,7 @@ std::string lantern ()
     // After a rest, a word on an extension line over three notes, the last tied over the barline.
     s.rest (1).note (G4, 1, {"glow_", "slow_"}).note (A4, 1).note (G4, 2);
     s.note (E4, 1, {"a", "a"}).note (F4, 1, {"won-", "sil-"}).note (E4, 1, {"-der-", "-ver"});
-    s.tempo (100).note (D4, 1, {"-ful", "moon"}).note (E4, 1, {"light", "bright"}).rest (2);
+    s.tempo (100).note (D4, 1, {"-ful", "moon"}).note (F4 + 1, 1, {"light", "bright"}).rest (2);
     s.note (C4, 1, {"car-", "sing-"}).note (D4, 1, {"-ry", "-ing"}).note (E4, 1, {"me", "us"}).note (G4, 1, {"home", "home"});
     s.note (A4, 1, {"to-", "to-"}).note (G4, 1).note (E4, 2, {"-night_", "-night_"});
     s.note (D4, 1).note (C4, 3);
@@ -220,6 +238,7 @@ const std::vector<Entry>& all ()
     static const std::vector<Entry> entries = {
         {"morning.mid", "English: hyphens, a hint in brackets, a tempo change", morning},
         {"ramen.mid", "kana karaoke: digraphs, small tsu, long-vowel marks", ramen},
+        {"evening.kar", "English karaoke: syllables joined into words, held notes, a track description", evening},
         {"duet.mid", "two overlapping voices", duet},
         {"overlap.mid", "one voice in two overlapping parts", overlap},
         {"long400.mid", "400 notes, for timing", long400},

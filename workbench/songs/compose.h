@@ -24,6 +24,8 @@ std::vector<std::uint8_t> bytes (const Entry& entry);
 Midi::File morning ();
 /** Kana in karaoke text events: digraphs, a small tsu, long-vowel marks. */
 Midi::File ramen ();
+/** English karaoke: syllables in text events, joined into words; held notes; a track description. */
+Midi::File evening ();
 /** Two voices whose notes overlap in time, each on its own track. */
 Midi::File duet ();
 /** One voice in two parts of one track (two MIDI tracks named alike) that overlap in time. */

@@ -2,6 +2,8 @@
 // outputs reviewed by hand, through undo and redo, into a PNG, and on bad input.
 #include "workbench/midi/midi_file.h"
 
+#include <juce_core/juce_core.h>
+
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -69,6 +71,10 @@ TEST (Workbench, BundledSongsGiveTheReviewedNoteLists)
         {song ("overlap.mid"), "overlap.txt"},
         // Undoing the last word ("home") gives its note back the default vowel.
         {song ("morning.mid") + " --undo 1", "morning-undo1.txt"},
+        // Syllables joined into words, held notes as continuations, a part without words.
+        {song ("evening.kar"), "evening.txt"},
+        {song ("lantern.musicxml"), "lantern.txt"},
+        {song ("lantern.musicxml") + " --verse 2", "lantern-verse2.txt"},
     };
     for (const auto& c : cases)
     {
@@ -81,13 +87,14 @@ TEST (Workbench, BundledSongsGiveTheReviewedNoteLists)
 TEST (Workbench, UndoingEverythingAndRedoingItComesBackToTheSameList)
 {
     const std::string typed = workbench (song ("ramen.mid")).out;
-    const Outcome back = workbench (song ("ramen.mid") + " --undo 6 --redo 6");
+    const Outcome back = workbench (song ("ramen.mid") + " --undo 5 --redo 5");
     EXPECT_EQ (back.status, 0) << back.err;
     EXPECT_EQ (back.out, typed);
     // Beyond the history there is nothing to undo: said, not fatal.
     const Outcome beyond = workbench (song ("ramen.mid") + " --undo 50");
     EXPECT_EQ (beyond.status, 0);
-    EXPECT_NE (beyond.err.find ("held only 6 edit(s)"), std::string::npos) << beyond.err;
+    // Five words: the last line's kana, with no blank or line mark between, are one.
+    EXPECT_NE (beyond.err.find ("held only 5 edit(s)"), std::string::npos) << beyond.err;
     EXPECT_NE (beyond.out, typed);
 }
 
@@ -156,12 +163,40 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     std::ofstream (blankHint, std::ios::binary)
         .write (reinterpret_cast<const char*> (blankBytes.data ()), static_cast<std::streamsize> (blankBytes.size ()));
 
+    // Scores: each file bad in its own way; nothing is written for them.
+    const std::string roll = temp ("never.png"), noScore = temp ("no-score.mxl"), nowhere = temp ("nowhere.mxl"),
+                      good = temp ("lantern.mxl");
+    auto score = [&] (const char* name, const std::string& text) {
+        std::ofstream (temp (name)) << text;
+        return temp (name) + " --piano-roll " + roll;
+    };
+    auto zip = [] (const std::string& path, const std::vector<std::pair<const char*, std::string>>& entries) {
+        juce::ZipFile::Builder builder;
+        for (const auto& [name, text] : entries)
+            builder.addEntry (new juce::MemoryInputStream (text.data (), text.size (), true), 9, name, {});
+        juce::File (path).deleteFile ();
+        juce::FileOutputStream out ((juce::File (path)));
+        builder.writeToStream (out, nullptr);
+        return path;
+    };
+    const std::string container = "<container><rootfiles><rootfile full-path=\"s/l.musicxml\"/></rootfiles></container>";
+    zip (noScore, {{"readme.txt", "no score here"}});
+    zip (nowhere, {{"META-INF/container.xml", container}});
+    zip (good, {{"META-INF/container.xml", container}, {"s/l.musicxml", slurp (song ("lantern.musicxml"))}});
+
     const struct
     {
         std::string args;
         int status;
         const char* says;
     } cases[] = {
+        {score ("broken.musicxml", "<score-partwise><part"), 1, "broken.musicxml: broken XML"},
+        {score ("page.xml", "<html><body/></html>"), 1, "page.xml: XML, but not a MusicXML score"},
+        {noScore + " --piano-roll " + roll, 1, "no-score.mxl: a zip without a score"},
+        {nowhere + " --piano-roll " + roll, 1, "nowhere.mxl: META-INF/container.xml points to s/l.musicxml"},
+        {score ("empty.musicxml", "<score-partwise><part id='P1'><measure/></part></score-partwise>"), 1,
+         "empty.musicxml: the score holds no notes"},
+        {"--verse 0", 2, "--verse needs a whole number from 1 on"},
         {"/nonexistent/song.mid", 1, "cannot open /nonexistent/song.mid"},
         {text, 1, "not a Standard MIDI File"},
         {cut, 1, "claims"},
@@ -182,6 +217,14 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         EXPECT_EQ (run.status, c.status) << c.args << "\n" << run.err;
         EXPECT_NE (run.err.find (c.says), std::string::npos) << c.args << ": " << run.err;
     }
+    EXPECT_FALSE (std::ifstream (roll));
+    // The zipped song sings as the plain one; only its file name differs.
+    std::string unzipped = workbench (good).out;
+    const std::string name = good.substr (good.rfind ('/') + 1);
+    ASSERT_NE (unzipped.find (name), std::string::npos) << unzipped;
+    for (auto at = unzipped.find (name); at != std::string::npos; at = unzipped.find (name))
+        unzipped.replace (at, name.size (), "lantern.musicxml");
+    EXPECT_EQ (unzipped, expected ("lantern.txt"));
 }
 
 } // namespace
