@@ -71,7 +71,7 @@ bool readScore (const std::string& xml, Midi::Song& song, std::string& error, bo
                                error);
 }
 
-/** Argument 1 reads the lyrics raw, each syllable on its note: the cost of joining them into words is the difference. */
+/** Argument 1 reads the lyrics raw, each syllable on its note: the difference is what joining them into words costs. */
 void ReadScore (benchmark::State& state)
 {
     const std::string xml = score2000 ();

@@ -71,10 +71,15 @@ std::vector<TimedSyllable> readLyricTexts (const std::vector<TimedText>& texts, 
             nextBegins = !text.empty () && text.back () == ' ';
         }
         else
+        {
+            // Some programs hyphenate the syllable that goes on, some the one that follows.
+            beginsHere = beginsHere && (trimmed.empty () || trimmed[0] != '-');
             nextBegins = trimmed.empty () || trimmed.back () != '-';
+        }
         std::string syllable = trimmed;
         while (!syllable.empty () && syllable.back () == '-')
             syllable.pop_back ();
+        syllable.erase (0, syllable.find_first_not_of ('-'));
         if (syllable.empty ())
         {
             nextBegins = nextBegins || beginsHere;  // a line mark or a blank alone

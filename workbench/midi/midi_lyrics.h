@@ -29,7 +29,8 @@ struct TimedSyllable
  * and is no word (said in `notices`); "/" and "\" begin a line and a leading
  * or trailing blank separates words, and any other text goes on with the word
  * before it. Otherwise each text is a word, or a syllable that goes on into the
- * next when it ends in a hyphen; a lone "-" or "_" holds the syllable before.
+ * next when it ends in a hyphen or the next begins with one; a lone "-" or "_"
+ * holds the syllable before.
  * A text with bracketed phonemes, the host's own form, stays as written; with
  * `raw` every text does.
  */

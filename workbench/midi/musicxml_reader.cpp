@@ -1,12 +1,10 @@
 #include "workbench/midi/musicxml_reader.h"
 
 #include "workbench/midi/midi_lyrics.h"
-
-#include <juce_core/juce_core.h>
+#include "workbench/midi/xml_text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <map>
 
 namespace Midi {
@@ -300,19 +298,9 @@ bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions
                    std::string& error)
 {
     out = Song {};
-    if (size > static_cast<std::size_t> (std::numeric_limits<int>::max ()))
-    {
-        error = "too large for a score";
-        return false;
-    }
-    juce::XmlDocument document (juce::String::createStringFromData (data, static_cast<int> (size)));
-    const std::unique_ptr<XmlElement> root = document.getDocumentElement ();
+    const std::unique_ptr<XmlElement> root = parseXml (data, size, error);
     if (!root)
-    {
-        const auto why = document.getLastParseError ().toStdString ();
-        error = "broken XML" + (why.empty () ? std::string () : ": " + why);
         return false;
-    }
     const bool timewise = root->hasTagName ("score-timewise");
     if (!timewise && !root->hasTagName ("score-partwise"))
     {

@@ -1,6 +1,6 @@
 #include "workbench/midi/mxl_container.h"
 
-#include <juce_core/juce_core.h>
+#include "workbench/midi/xml_text.h"
 
 namespace Midi {
 
@@ -43,9 +43,13 @@ bool unpackMxl (const std::vector<std::uint8_t>& bytes, std::vector<std::uint8_t
         error = "a zip without a score (no META-INF/container.xml)";
         return false;
     }
-    const auto root = juce::XmlDocument::parse (
-        juce::String::createStringFromData (container.data (), static_cast<int> (container.size ())));
-    const juce::XmlElement* files = root ? root->getChildByName ("rootfiles") : nullptr;
+    const auto root = parseXml (container.data (), container.size (), error);
+    if (!root)
+    {
+        error = "META-INF/container.xml: " + error;
+        return false;
+    }
+    const juce::XmlElement* files = root->getChildByName ("rootfiles");
     const juce::XmlElement* first = files ? files->getChildByName ("rootfile") : nullptr;
     const juce::String path = first ? first->getStringAttribute ("full-path") : juce::String ();
     if (path.isEmpty ())

@@ -88,6 +88,7 @@ bool gainedHolds (const std::string& text, const std::vector<Sung>& base, std::v
     return true;
 }
 
+constexpr std::size_t longestWord = 256;  // bytes
 const char* const hyphen = "-";
 const char* const longMark = "\xE3\x83\xBC";  // katakana long-vowel mark: holds kana and open vowels
 
@@ -185,6 +186,10 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
         ends.push_back (text.size ());
         notes += 1 + static_cast<std::size_t> (s.holds);
     }
+    // Each place for a mark costs a conversion of the whole text: a run of syllables
+    // that never ends a word (a karaoke song without blanks) is typed as it stands.
+    if (text.size () > longestWord)
+        return text;
     const Elements base = convert (text);
     std::vector<Sung> sung;
     if (!sungSyllables (base, sung) || sung.empty ())

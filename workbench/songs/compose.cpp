@@ -215,7 +215,8 @@ std::string lantern ()
     s.rest (1).note (G4, 1, {"glow_", "slow_"}).note (A4, 1).note (G4, 2);
     s.note (E4, 1, {"a", "a"}).note (F4, 1, {"won-", "sil-"}).note (E4, 1, {"-der-", "-ver"});
     s.tempo (100).note (D4, 1, {"-ful", "moon"}).note (F4 + 1, 1, {"light", "bright"}).rest (2);
-    s.note (C4, 1, {"car-", "sing-"}).note (D4, 1, {"-ry", "-ing"}).note (E4, 1, {"me", "us"}).note (G4, 1, {"home", "home"});
+    s.note (C4, 1, {"car-", "sing-"}).note (D4, 1, {"-ry", "-ing"}).note (E4, 1, {"me", "us"});
+    s.note (G4, 1, {"home", "home"});
     s.note (A4, 1, {"to-", "to-"}).note (G4, 1).note (E4, 2, {"-night_", "-night_"});
     s.note (D4, 1).note (C4, 3);
     // The piano has chords and no words: a track of its own with nothing typed.

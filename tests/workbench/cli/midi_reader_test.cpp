@@ -248,10 +248,11 @@ TEST (MidiReader, KaraokeAndNotationWordsAreJoinedAsASingerTypesThem)
     ASSERT_TRUE (song (karaoke, s, error, {1, true}));
     EXPECT_EQ (lyrics (s), (std::vector<std::string> {"Twin", "kle", "twin", "kle", "", ""}));
 
-    // Notation programs: a trailing hyphen goes on into the next syllable; "_" holds; two texts on
-    // one note are sung together, and said.
-    ASSERT_TRUE (song (wordsFile (Midi::Event::Lyric, {"Hel-", "lo", "sun", "_", "of|the"}), s, error));
-    EXPECT_EQ (lyrics (s), (std::vector<std::string> {"Hello", "", "sun-", "", "of the"}));
+    // Notation programs: a trailing hyphen goes on into the next syllable, and a leading one; "_"
+    // holds; "their" is one syllable to the converter, so it holds over the score's second; two texts
+    // on one note are sung together, and said.
+    ASSERT_TRUE (song (wordsFile (Midi::Event::Lyric, {"Hel-", "lo", "sun", "_", "the", "-ir", "of|the"}), s, error));
+    EXPECT_EQ (lyrics (s), (std::vector<std::string> {"Hello", "", "sun-", "", "their-", "", "of the"}));
     EXPECT_NE (s.warnings.back ().find ("sings them together: \"of the\""), std::string::npos) << s.warnings.back ();
 
     // Plain words over a melody: as many notes a word as the converter gives it elements.
@@ -280,7 +281,8 @@ TEST (TypedWords, HoldsGoWhereTheConverterSingsThemAndNoNoteIsLeftOver)
         // The converter finds two syllables where the score has one: the missing hold goes on the later.
         {{{S::Single, "hello"}, held, held}, {"helloー", "", ""}},
         // The host's own form stays as written and ends a word; a free note holds nothing.
-        {{{S::Begin, "to"}, {S::AsWritten, "day[d ey]"}, held, free, {S::Middle, "go"}}, {"to", "day[d ey]", "", "", "go"}},
+        {{{S::Begin, "to"}, {S::AsWritten, "day[d ey]"}, held, free, {S::Middle, "go"}},
+         {"to", "day[d ey]", "", "", "go"}},
     };
     for (const auto& c : cases)
         EXPECT_EQ (Midi::typedWords (c.in), c.typed) << c.typed[0];
@@ -297,7 +299,8 @@ TEST (ScoreReader, TimewiseVoicesChordsAndTies)
 <backup><duration>8</duration></backup><forward><duration>2</duration><voice>2</voice></forward>
 <note><pitch><step>E</step><octave>4</octave></pitch><duration>2</duration><voice>2</voice>
   <lyric><syllabic>begin</syllabic><text>Al</text></lyric></note>
-<note><chord/><pitch><step>G</step><alter>-1</alter><octave>4</octave></pitch><duration>2</duration><voice>2</voice></note>
+<note><chord/><pitch><step>G</step><alter>-1</alter><octave>4</octave></pitch><duration>2</duration>
+  <voice>2</voice></note>
 <note><pitch><step>A</step><octave>4</octave></pitch><duration>2</duration><voice>2</voice><tie type="start"/>
   <lyric><syllabic>end</syllabic><text>to</text></lyric></note>
 <note><pitch><step>A</step><octave>4</octave></pitch><duration>2</duration><voice>2</voice><tie type="stop"/>

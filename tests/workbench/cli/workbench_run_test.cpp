@@ -179,7 +179,11 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         builder.writeToStream (out, nullptr);
         return path;
     };
-    const std::string container = "<container><rootfiles><rootfile full-path=\"s/l.musicxml\"/></rootfiles></container>";
+    const std::string container =
+        "<container><rootfiles><rootfile full-path=\"s/l.musicxml\"/></rootfiles></container>";
+    std::string deep = "<score-partwise>";
+    for (int i = 0; i < 100000; ++i)
+        deep += "<a>";  // the toolkit's reader would go one call deeper for each
     zip (noScore, {{"readme.txt", "no score here"}});
     zip (nowhere, {{"META-INF/container.xml", container}});
     zip (good, {{"META-INF/container.xml", container}, {"s/l.musicxml", slurp (song ("lantern.musicxml"))}});
@@ -192,6 +196,7 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     } cases[] = {
         {score ("broken.musicxml", "<score-partwise><part"), 1, "broken.musicxml: broken XML"},
         {score ("page.xml", "<html><body/></html>"), 1, "page.xml: XML, but not a MusicXML score"},
+        {score ("deep.musicxml", deep), 1, "deep.musicxml: XML nested deeper than 256 levels"},
         {noScore + " --piano-roll " + roll, 1, "no-score.mxl: a zip without a score"},
         {nowhere + " --piano-roll " + roll, 1, "nowhere.mxl: META-INF/container.xml points to s/l.musicxml"},
         {score ("empty.musicxml", "<score-partwise><part id='P1'><measure/></part></score-partwise>"), 1,
