@@ -4,7 +4,8 @@
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
 #include "workbench/cli/song_file.h"
-#include "workbench/midi/song.h"
+#include "workbench/midi/lay_lyrics.h"
+#include "workbench/midi/song_reader.h"
 #include "workbench/songs/compose.h"
 
 #include <cstdio>
@@ -19,9 +20,10 @@
 namespace {
 
 const char* usage =
-    "usage: workbench [SONG.mid] [options]\n"
+    "usage: workbench [SONG] [options]\n"
     "  Runs the agent module on a song (the built-in example when no file is given)\n"
-    "  and prints the note list each synthesiser received.\n"
+    "  and prints the note list each synthesiser received. SONG is a MIDI file\n"
+    "  (.mid, .kar) or a MusicXML score (.musicxml, .xml, .mxl).\n"
     "options:\n"
     "  --module PATH        the module bundle or .so to load (default: the one in the build folder)\n"
     "  --json               print JSON instead of the table\n"
@@ -33,6 +35,10 @@ const char* usage =
     "  --paced              make each idle pass a real idle call, waiting out the agent's 1 s interval\n"
     "  --show-editor        open the agent's window (needs a display) for --editor-seconds (default 10)\n"
     "  --timing             print how long each stage took, on standard error\n"
+    "  --verse N            sing verse N of a score's lyrics (default 1)\n"
+    "  --raw-lyrics         type each lyric text on its note as written, not joined into words\n"
+    "  --lyrics TEXT        lay these words over the tracks that have none\n"
+    "  --lyrics-file FILE   the same, with the words read from a file\n"
     "  -h, --help           this text\n";
 
 bool count (const char* text, int& out)
@@ -57,8 +63,9 @@ int main (int argc, char** argv)
 {
     Workbench::Options options;
     options.modulePath = CANTORELA_MODULE_PATH;
-    std::string songPath, rollPath, midiPath;
+    std::string songPath, rollPath, midiPath, lyrics, lyricsFile;
     bool asJson = false, timing = false;
+    Midi::ReadOptions reading;
 
     for (int i = 1; i < argc; ++i)
     {
@@ -77,25 +84,41 @@ int main (int argc, char** argv)
             options.paced = true;
         else if (arg == "--show-editor")
             options.showEditor = true;
-        else if (arg == "--module" || arg == "--piano-roll" || arg == "--write-midi")
+        else if (arg == "--raw-lyrics")
+            reading.rawLyrics = true;
+        else if (arg == "--module" || arg == "--piano-roll" || arg == "--write-midi" || arg == "--lyrics-file")
         {
             const char* v = value ();
             if (!v || !*v)
                 return fail (arg + " needs a path\n" + usage, 2);
-            (arg == "--module" ? options.modulePath : arg == "--piano-roll" ? rollPath : midiPath) = v;
+            (arg == "--module"       ? options.modulePath
+             : arg == "--piano-roll" ? rollPath
+             : arg == "--write-midi" ? midiPath
+                                     : lyricsFile) = v;
         }
-        else if (arg == "--undo" || arg == "--redo" || arg == "--idle" || arg == "--editor-seconds")
+        else if (arg == "--lyrics")
+        {
+            const char* v = value ();
+            if (!v)
+                return fail (arg + " needs the words\n" + usage, 2);
+            lyrics = v;
+        }
+        else if (arg == "--undo" || arg == "--redo" || arg == "--idle" || arg == "--editor-seconds"
+                 || arg == "--verse")
         {
             const char* v = value ();
             int n = 0;
-            if (!v || !count (v, n))
-                return fail (arg + " needs a whole number from 0 on\n" + usage, 2);
+            const int least = arg == "--verse" ? 1 : 0;
+            if (!v || !count (v, n) || n < least)
+                return fail (arg + " needs a whole number from " + std::to_string (least) + " on\n" + usage, 2);
             if (arg == "--undo")
                 options.undo = n;
             else if (arg == "--redo")
                 options.redo = n;
             else if (arg == "--idle")
                 options.idlePasses = n;
+            else if (arg == "--verse")
+                reading.verse = n;
             else
                 options.editorSeconds = n;
         }
@@ -107,27 +130,34 @@ int main (int argc, char** argv)
             return fail (std::string ("one song at a time\n") + usage, 2);
     }
 
-    Midi::File file;
     std::string error;
     std::string name;
+    Midi::Song song;
     if (songPath.empty ())
     {
         // Through the bytes, so that the example takes the same road as a file.
         const auto bytes = Midi::write (Songs::morning ());
-        if (!Midi::parse (bytes.data (), bytes.size (), file, error))
-            return fail ("the built-in example: " + error);
+        Midi::File file;
         name = "Morning Song (built-in example)";
+        if (!Midi::parse (bytes.data (), bytes.size (), file, error) || !Midi::buildSong (file, song, error, reading))
+            return fail ("the built-in example: " + error);
     }
     else
     {
-        if (!Midi::load (songPath, file, error))
+        if (!Midi::readSong (songPath, reading, song, error))
             return fail (error);
         const auto slash = songPath.find_last_of ('/');
         name = slash == std::string::npos ? songPath : songPath.substr (slash + 1);
     }
-    Midi::Song song;
-    if (!Midi::buildSong (file, song, error))
-        return fail ((songPath.empty () ? name : songPath) + ": " + error);
+    if (!lyricsFile.empty ())
+    {
+        std::vector<std::uint8_t> bytes;
+        if (!Midi::readBytes (lyricsFile, bytes, error))
+            return fail (error);
+        lyrics.assign (bytes.begin (), bytes.end ());
+    }
+    if (!lyrics.empty ())
+        Midi::layLyrics (lyrics, song);
     for (const auto& w : song.warnings)
         std::fprintf (stderr, "workbench: note: %s\n", w.c_str ());
 

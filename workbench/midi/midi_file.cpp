@@ -248,7 +248,7 @@ bool parse (const std::uint8_t* data, std::size_t size, File& out, std::string& 
     }
 }
 
-bool load (const std::string& path, File& out, std::string& error)
+bool readBytes (const std::string& path, std::vector<std::uint8_t>& data, std::string& error)
 {
     std::ifstream in (path, std::ios::binary);
     if (!in)
@@ -257,7 +257,7 @@ bool load (const std::string& path, File& out, std::string& error)
         return false;
     }
     constexpr std::size_t limit = 64u << 20;
-    std::vector<std::uint8_t> data;
+    data.clear ();
     char buf[65536];
     while (in.read (buf, sizeof buf) || in.gcount () > 0)
     {
@@ -273,6 +273,14 @@ bool load (const std::string& path, File& out, std::string& error)
         error = "cannot read " + path;
         return false;
     }
+    return true;
+}
+
+bool load (const std::string& path, File& out, std::string& error)
+{
+    std::vector<std::uint8_t> data;
+    if (!readBytes (path, data, error))
+        return false;
     if (!parse (data.data (), data.size (), out, error))
     {
         error = path + ": " + error;

@@ -44,6 +44,8 @@ struct File
 
 /** Reads a whole file from memory. On failure returns false and says why in `error`. */
 bool parse (const std::uint8_t* data, std::size_t size, File& out, std::string& error);
+/** Reads the bytes of a file from disk (at most 64 MiB), of whatever kind. */
+bool readBytes (const std::string& path, std::vector<std::uint8_t>& data, std::string& error);
 /** Reads a file from disk (at most 64 MiB). */
 bool load (const std::string& path, File& out, std::string& error);
 /** Encodes notes, tempi and text events (NoteOn, NoteOff, Tempo, Lyric, Text, TrackName). */

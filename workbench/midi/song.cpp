@@ -1,5 +1,7 @@
 #include "workbench/midi/song.h"
 
+#include "workbench/midi/midi_lyrics.h"
+
 #include <algorithm>
 #include <map>
 #include <deque>
@@ -11,7 +13,7 @@ namespace {
 struct Lyric
 {
     std::uint64_t tick;
-    std::string text;
+    Syllable syllable;
     int owner;  // index into the groups, or -1 for whichever track has a note there
 };
 
@@ -20,26 +22,6 @@ struct Group
     std::string name;
     std::vector<SongNote> notes;
 };
-
-std::string trim (const std::string& s)
-{
-    const char* blank = " \t\r\n";
-    const auto a = s.find_first_not_of (blank);
-    if (a == std::string::npos)
-        return {};
-    return s.substr (a, s.find_last_not_of (blank) - a + 1);
-}
-
-/** Karaoke words: "@" lines are headers; a leading "\" or "/" only starts a paragraph or line. */
-std::string karaokeWord (const std::string& text)
-{
-    if (!text.empty () && text[0] == '@')
-        return {};
-    std::size_t i = 0;
-    while (i < text.size () && (text[i] == '\\' || text[i] == '/'))
-        ++i;
-    return trim (text.substr (i));
-}
 
 class Clock
 {
@@ -148,17 +130,67 @@ void collectNotes (const std::vector<const Event*>& events, std::uint64_t trackE
         warnings.push_back (name + ": " + std::to_string (before - notes.size ()) + " note(s) of no length dropped");
 }
 
-bool attach (std::vector<SongNote>& notes, const Lyric& lyric, std::uint64_t tolerance)
+/** Two texts that reach one note are sung together, unless one is to stay as written. */
+bool attach (Group& group, const Lyric& lyric, std::uint64_t tolerance, std::vector<std::string>& warnings)
 {
+    auto& notes = group.notes;
     auto it = std::lower_bound (notes.begin (), notes.end (), lyric.tick,
                                 [] (const SongNote& n, std::uint64_t t) { return n.startTick < t; });
     if (it == notes.end () || it->startTick - lyric.tick > tolerance)
         return false;
-    it->lyric = it->lyric.empty () ? lyric.text : it->lyric + " " + lyric.text;
+    Syllable& s = it->syllable;
+    const Syllable& add = lyric.syllable;
+    const std::string where = group.name + ": the note at tick " + std::to_string (it->startTick);
+    if (s.kind == Syllable::Free || s.kind == Syllable::Held)
+        s = add;
+    else if (add.kind == Syllable::AsWritten || s.kind == Syllable::AsWritten)
+        warnings.push_back (where + " has \"" + s.text + "\" already; \"" + add.text + "\" is left out");
+    else if (add.kind != Syllable::Held)
+    {
+        const bool apart = add.kind == Syllable::Single || add.kind == Syllable::Begin;
+        s.text += (apart ? " " : "") + add.text;
+        s.kind = syllableKind (s.kind == Syllable::Single || s.kind == Syllable::Begin,
+                               add.kind == Syllable::Single || add.kind == Syllable::End);
+        warnings.push_back (where + " is reached by two texts; it sings them together: \"" + s.text + "\"");
+    }
     return true;
 }
 
+/**
+ * A MIDI file cannot say that a note holds a syllable, so a note without words
+ * does inside a word, and after one when it follows on without a rest.
+ */
+void markHeldNotes (std::vector<SongNote>& notes, std::uint64_t slack)
+{
+    bool inWord = false, sung = false;
+    std::uint64_t lastEnd = 0;
+    for (auto& n : notes)
+    {
+        Syllable& s = n.syllable;
+        if (s.kind == Syllable::Free && (inWord || (sung && n.startTick <= lastEnd + slack)))
+            s.kind = Syllable::Held;
+        else if (s.kind == Syllable::Free)
+            sung = false;
+        else if (s.kind != Syllable::Held)
+        {
+            inWord = s.kind == Syllable::Begin || s.kind == Syllable::Middle;
+            sung = s.kind != Syllable::AsWritten;
+        }
+        lastEnd = n.endTick;
+    }
+}
+
 } // namespace
+
+void typeLyrics (std::vector<SongNote>& notes)
+{
+    std::vector<Syllable> syllables;
+    for (const auto& n : notes)
+        syllables.push_back (n.syllable);
+    const auto typed = typedWords (syllables);
+    for (std::size_t i = 0; i < notes.size (); ++i)
+        notes[i].lyric = typed[i];
+}
 
 double Song::length () const
 {
@@ -231,7 +263,7 @@ std::string toUtf8 (const std::string& bytes)
     return out;
 }
 
-bool buildSong (const File& file, Song& out, std::string& error)
+bool buildSong (const File& file, Song& out, std::string& error, const ReadOptions& options)
 {
     out = Song {};
     Clock clock (file, out.tempi);
@@ -249,23 +281,23 @@ bool buildSong (const File& file, Song& out, std::string& error)
         std::string name;
         std::uint64_t trackEnd = 0;
         std::map<int, std::vector<const Event*>> byChannel;
-        std::vector<Lyric> own;
+        std::vector<TimedText> texts;
         for (const Event& e : t.events)
         {
             trackEnd = std::max (trackEnd, e.tick);
             if (e.kind == Event::TrackName && name.empty ())
-                name = trim (toUtf8 (e.text));
+                name = trimBlanks (toUtf8 (e.text));
             else if (e.kind == Event::NoteOn || e.kind == Event::NoteOff)
                 byChannel[file.format == 0 ? e.channel : 0].push_back (&e);
             else if (e.kind == (anyLyricMeta ? Event::Lyric : Event::Text))
-            {
-                const std::string word = anyLyricMeta ? trim (toUtf8 (e.text)) : karaokeWord (toUtf8 (e.text));
-                if (!word.empty ())
-                    own.push_back ({e.tick, word, -1});
-            }
+                texts.push_back ({e.tick, toUtf8 (e.text)});
         }
         if (name.empty ())
             name = "Track " + std::to_string (ti + 1);
+        std::vector<std::string> notices;
+        const auto syllables = readLyricTexts (texts, !anyLyricMeta, options.rawLyrics, notices);
+        for (const auto& n : notices)
+            out.warnings.push_back (name + ": " + n);
         const std::size_t firstGroup = groups.size ();
         for (auto& [channel, events] : byChannel)
         {
@@ -282,11 +314,8 @@ bool buildSong (const File& file, Song& out, std::string& error)
         // Words of a track that sings go to its own notes; a channel split or a
         // words-only track leaves them to whichever track has a note there.
         const int owner = groups.size () == firstGroup + 1 ? static_cast<int> (firstGroup) : -1;
-        for (auto& l : own)
-        {
-            l.owner = owner;
-            lyrics.push_back (std::move (l));
-        }
+        for (const auto& s : syllables)
+            lyrics.push_back ({s.tick, s.syllable, owner});
     }
     if (groups.empty ())
     {
@@ -301,13 +330,13 @@ bool buildSong (const File& file, Song& out, std::string& error)
     {
         bool placed = false;
         if (l.owner >= 0)
-            placed = attach (groups[static_cast<std::size_t> (l.owner)].notes, l, tolerance);
+            placed = attach (groups[static_cast<std::size_t> (l.owner)], l, tolerance, out.warnings);
         else
             for (auto& g : groups)
-                if ((placed = attach (g.notes, l, tolerance)))
+                if ((placed = attach (g, l, tolerance, out.warnings)))
                     break;
-        if (!placed && ++unplaced <= 5)
-            out.warnings.push_back ("lyric \"" + l.text + "\" at tick " + std::to_string (l.tick)
+        if (!placed && l.syllable.kind != Syllable::Held && ++unplaced <= 5)
+            out.warnings.push_back ("lyric \"" + l.syllable.text + "\" at tick " + std::to_string (l.tick)
                                     + " stands on no note and is left out");
     }
     if (unplaced > 5)
@@ -318,6 +347,8 @@ bool buildSong (const File& file, Song& out, std::string& error)
         SongTrack t;
         t.name = g.name;
         t.notes = std::move (g.notes);
+        markHeldNotes (t.notes, tolerance);
+        typeLyrics (t.notes);
         for (auto& n : t.notes)
         {
             n.start = clock.seconds (n.startTick);

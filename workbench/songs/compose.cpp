@@ -1,5 +1,7 @@
 #include "workbench/songs/compose.h"
 
+#include "workbench/songs/score_writer.h"
+
 namespace Songs {
 
 namespace {
@@ -94,7 +96,7 @@ Midi::File file (std::vector<Midi::Track> tracks)
 enum Pitch
 {
     C4 = 60, D4 = 62, E4 = 64, F4 = 65, G4 = 67, A4 = 69, B4 = 71, C5 = 72,
-    A3 = 57, B3 = 59, G3 = 55, F3 = 53, E3 = 52
+    A3 = 57, B3 = 59, G3 = 55, F3 = 53, E3 = 52, C3 = 48
 };
 
 } // namespace
@@ -127,8 +129,26 @@ Midi::File ramen ()
     v.note (6.5, 0.5, D4, "/しゃしん", 0.1).note (7.0, 0.5, E4).note (7.5, 0.5, G4);
     v.note (8.0, 1.0, A4, "/きって").note (9.0, 0.5, G4).note (9.5, 0.5, E4);
     v.note (10.0, 1.0, D4, "/カッター").note (11.0, 0.5, E4).note (11.5, 0.5, D4).note (12.0, 1.0, D4);
-    v.note (13.0, 2.0, C4, "ね");
+    v.note (13.0, 2.0, C4, " ね");  // a leading blank: a word of its own
     return file ({conductor ("Ramen Song", {{0.0, 90.0}}), v.done ()});
+}
+
+Midi::File evening ()
+{
+    // As a common converter writes karaoke: headers, a description of the track before the first
+    // line, and each syllable a tick before its note; a leading blank begins a word, "\" and "/" a line.
+    Voice v ("Evening", 0, Midi::Event::Text);
+    v.meta (0.0, Midi::Event::Text, "@KMIDI KARAOKE FILE").meta (0.0, Midi::Event::Text, "@TEvening");
+    v.meta (0.0, Midi::Event::Text, "melody and words");
+    const double tick = 1.0 / ppq;
+    v.note (1.0, 1.0, E4, "\\Qui", tick).note (2.0, 1.0, G4, "et", tick).note (3.0, 1.0, A4, " eve", tick);
+    v.note (4.0, 1.0, G4, "ning", tick).note (5.0, 2.0, E4, " comes", tick);
+    // "bove" is held over a second note, and "wa-ter" runs on into one more.
+    v.note (8.0, 1.0, D4, "/Stars", tick).note (9.0, 0.5, E4, " a", tick).note (9.5, 0.5, F4, "bove", tick);
+    v.note (10.0, 1.0, G4).note (11.0, 1.0, E4, " the", tick).note (12.0, 1.0, D4, " wa", tick);
+    v.note (13.0, 1.0, C4, "ter", tick).note (14.0, 1.0, D4);
+    v.note (16.0, 1.0, E4, "/Sing", tick).note (17.0, 1.0, D4, " me", tick).note (18.0, 2.0, C4, " home", tick);
+    return file ({conductor ("Evening", {{0.0, 100.0}}), v.done ()});
 }
 
 Midi::File duet ()
@@ -184,14 +204,46 @@ Midi::File long400 ()
     return file ({conductor ("Long Song", {{0.0, 120.0}, {100.0, 132.0}}), v.done ()});
 }
 
+std::string lantern ()
+{
+    ScoreWriter s ("Lantern");
+    s.part ("Soprano").tempo (84);
+    // "Lan-tern" holds its first syllable over a note of the word without words of its own.
+    s.note (E4, 1, {"Lan-", "Qui-"}).note (G4, 1).note (A4, 1, {"-tern", "-et"}).note (G4, 1, {"in", "is"});
+    s.note (E4, 1, {"the", "the"}).note (D4, 1, {"win-", "ri-"}).note (E4, 2, {"-dow", "-ver"});
+    // After a rest, a word on an extension line over three notes, the last tied over the barline.
+    s.rest (1).note (G4, 1, {"glow_", "slow_"}).note (A4, 1).note (G4, 2);
+    s.note (E4, 1, {"a", "a"}).note (F4, 1, {"won-", "sil-"}).note (E4, 1, {"-der-", "-ver"});
+    s.tempo (100).note (D4, 1, {"-ful", "moon"}).note (F4 + 1, 1, {"light", "bright"}).rest (2);
+    s.note (C4, 1, {"car-", "sing-"}).note (D4, 1, {"-ry", "-ing"}).note (E4, 1, {"me", "us"});
+    s.note (G4, 1, {"home", "home"});
+    s.note (A4, 1, {"to-", "to-"}).note (G4, 1).note (E4, 2, {"-night_", "-night_"});
+    s.note (D4, 1).note (C4, 3);
+    // The piano has chords and no words: a track of its own with nothing typed.
+    s.part ("Piano");
+    for (int root : {C3, C3, F3, C3, G3, C3, F3, C3})
+        s.note (root, 4).chord (root + 4).chord (root + 7);
+    return s.text ();
+}
+
+std::vector<std::uint8_t> bytes (const Entry& entry)
+{
+    if (entry.compose)
+        return Midi::write (entry.compose ());
+    const std::string text = entry.score ();
+    return std::vector<std::uint8_t> (text.begin (), text.end ());
+}
+
 const std::vector<Entry>& all ()
 {
     static const std::vector<Entry> entries = {
         {"morning.mid", "English: hyphens, a hint in brackets, a tempo change", morning},
         {"ramen.mid", "kana karaoke: digraphs, small tsu, long-vowel marks", ramen},
+        {"evening.kar", "English karaoke: syllables joined into words, held notes, a track description", evening},
         {"duet.mid", "two overlapping voices", duet},
         {"overlap.mid", "one voice in two overlapping parts", overlap},
         {"long400.mid", "400 notes, for timing", long400},
+        {"lantern.musicxml", "MusicXML: syllables, held notes, a tie, two verses, a piano part", nullptr, lantern},
     };
     return entries;
 }

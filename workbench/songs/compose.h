@@ -14,18 +14,26 @@ struct Entry
     std::string file;  ///< e.g. "morning.mid"
     std::string about;
     Midi::File (*compose) ();
+    std::string (*score) () = nullptr;  ///< a MusicXML score instead, when `compose` is null
 };
+
+/** What the generator writes for an entry. */
+std::vector<std::uint8_t> bytes (const Entry& entry);
 
 /** English: hyphens that hold a syllable, a hint in brackets, a tempo change; lyric events. */
 Midi::File morning ();
 /** Kana in karaoke text events: digraphs, a small tsu, long-vowel marks. */
 Midi::File ramen ();
+/** English karaoke: syllables in text events, joined into words; held notes; a track description. */
+Midi::File evening ();
 /** Two voices whose notes overlap in time, each on its own track. */
 Midi::File duet ();
 /** One voice in two parts of one track (two MIDI tracks named alike) that overlap in time. */
 Midi::File overlap ();
 /** About 400 notes with words, for timing a whole song. */
 Midi::File long400 ();
+/** A MusicXML score: words in syllables, held notes, a tie, two verses, a tempo change, a piano part without words. */
+std::string lantern ();
 
 const std::vector<Entry>& all ();
 

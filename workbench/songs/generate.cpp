@@ -1,4 +1,4 @@
-// Writes our own songs as .mid files: generate [FOLDER] (default: the current one).
+// Writes our own songs (.mid files and a MusicXML score): generate [FOLDER] (default: the current one).
 #include "workbench/songs/compose.h"
 
 #include <cstdio>
@@ -9,7 +9,7 @@ int main (int argc, char** argv)
     const std::string folder = argc > 1 ? argv[1] : ".";
     for (const auto& song : Songs::all ())
     {
-        const auto bytes = Midi::write (song.compose ());
+        const auto bytes = Songs::bytes (song);
         const std::string path = folder + "/" + song.file;
         std::ofstream out (path, std::ios::binary);
         out.write (reinterpret_cast<const char*> (bytes.data ()), static_cast<std::streamsize> (bytes.size ()));

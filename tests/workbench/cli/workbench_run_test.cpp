@@ -3,6 +3,8 @@
 // that reads back, and on bad input.
 #include "workbench/midi/midi_file.h"
 
+#include <juce_core/juce_core.h>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -71,6 +73,10 @@ TEST (Workbench, BundledSongsGiveTheReviewedNoteLists)
         {song ("overlap.mid"), "overlap.txt"},
         // Undoing the last word ("home") gives its note back the default vowel.
         {song ("morning.mid") + " --undo 1", "morning-undo1.txt"},
+        // Syllables joined into words, held notes as continuations, a part without words.
+        {song ("evening.kar"), "evening.txt"},
+        {song ("lantern.musicxml"), "lantern.txt"},
+        {song ("lantern.musicxml") + " --verse 2", "lantern-verse2.txt"},
     };
     for (const auto& c : cases)
     {
@@ -193,12 +199,45 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     std::ofstream (blankHint, std::ios::binary)
         .write (reinterpret_cast<const char*> (blankBytes.data ()), static_cast<std::streamsize> (blankBytes.size ()));
 
+    // Scores: each file bad in its own way; nothing is written for them.
+    const std::string roll = temp ("never.png"), noScore = temp ("no-score.mxl"), nowhere = temp ("nowhere.mxl"),
+                      good = temp ("lantern.mxl");
+    auto score = [&] (const char* name, const std::string& text) {
+        std::ofstream (temp (name)) << text;
+        return temp (name) + " --piano-roll " + roll;
+    };
+    auto zip = [] (const std::string& path, const std::vector<std::pair<const char*, std::string>>& entries) {
+        juce::ZipFile::Builder builder;
+        for (const auto& [name, text] : entries)
+            builder.addEntry (new juce::MemoryInputStream (text.data (), text.size (), true), 9, name, {});
+        juce::File (path).deleteFile ();
+        juce::FileOutputStream out ((juce::File (path)));
+        builder.writeToStream (out, nullptr);
+        return path;
+    };
+    const std::string container =
+        "<container><rootfiles><rootfile full-path=\"s/l.musicxml\"/></rootfiles></container>";
+    std::string deep = "<score-partwise>";
+    for (int i = 0; i < 100000; ++i)
+        deep += "<a>";  // the toolkit's reader would go one call deeper for each
+    zip (noScore, {{"readme.txt", "no score here"}});
+    zip (nowhere, {{"META-INF/container.xml", container}});
+    zip (good, {{"META-INF/container.xml", container}, {"s/l.musicxml", slurp (song ("lantern.musicxml"))}});
+
     const struct
     {
         std::string args;
         int status;
         const char* says;
     } cases[] = {
+        {score ("broken.musicxml", "<score-partwise><part"), 1, "broken.musicxml: broken XML"},
+        {score ("page.xml", "<html><body/></html>"), 1, "page.xml: XML, but not a MusicXML score"},
+        {score ("deep.musicxml", deep), 1, "deep.musicxml: XML nested deeper than 256 levels"},
+        {noScore + " --piano-roll " + roll, 1, "no-score.mxl: a zip without a score"},
+        {nowhere + " --piano-roll " + roll, 1, "nowhere.mxl: META-INF/container.xml points to s/l.musicxml"},
+        {score ("empty.musicxml", "<score-partwise><part id='P1'><measure/></part></score-partwise>"), 1,
+         "empty.musicxml: the score holds no notes"},
+        {"--verse 0", 2, "--verse needs a whole number from 1 on"},
         {"/nonexistent/song.mid", 1, "cannot open /nonexistent/song.mid"},
         {text, 1, "not a Standard MIDI File"},
         {cut, 1, "claims"},
@@ -222,6 +261,14 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
         EXPECT_NE (run.err.find (c.says), std::string::npos) << c.args << ": " << run.err;
     }
     EXPECT_FALSE (std::ifstream (unwritten).good ()) << "a failed run wrote " << unwritten;
+    EXPECT_FALSE (std::ifstream (roll)) << "a failed run wrote " << roll;
+    // The zipped song sings as the plain one; only its file name differs.
+    std::string unzipped = workbench (good).out;
+    const std::string name = good.substr (good.rfind ('/') + 1);
+    ASSERT_NE (unzipped.find (name), std::string::npos) << unzipped;
+    for (auto at = unzipped.find (name); at != std::string::npos; at = unzipped.find (name))
+        unzipped.replace (at, name.size (), "lantern.musicxml");
+    EXPECT_EQ (unzipped, expected ("lantern.txt"));
 }
 
 } // namespace
