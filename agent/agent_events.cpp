@@ -133,7 +133,7 @@ tresult PLUGIN_API CantorelaBetaAgent::handleAction (const char* category, const
 void CantorelaBetaAgent::showEditor ()
 {
     prepareToolkitDisplay ();
-    ToolkitErrorTrap trap;
+    ToolkitErrorTrap trap;  // from here on the toolkit's connection exists, and its errors are ours
     if (!mainWindow)
         mainWindow = std::make_unique<MainWindow> (static_cast<ISKIEditExecution*> (this));
     mainWindow->setVisible (true);

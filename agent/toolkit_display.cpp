@@ -16,9 +16,9 @@ namespace {
 
 // A window manager makes these when it starts; the toolkit looks them up once, when it connects,
 // and a request that names one it didn't find names atom 0.
-constexpr const char* kWindowManagerAtoms[] = {"WM_PROTOCOLS",    "WM_TAKE_FOCUS",       "WM_DELETE_WINDOW",
-                                               "_NET_WM_PING",    "WM_CHANGE_STATE",     "WM_STATE",
-                                               "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"};
+constexpr const char* kWindowManagerAtoms[] = {"WM_PROTOCOLS",        "WM_TAKE_FOCUS",   "WM_DELETE_WINDOW",
+                                               "_NET_WM_PING",        "WM_CHANGE_STATE", "WM_STATE",
+                                               "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",   "_NET_WM_STATE_HIDDEN"};
 
 /** XSetErrorHandler and XSync through a hold of our own on Xlib: the toolkit lets its hold go when
     it shuts down, and putting the host's handler back must never call into a library that has gone. */

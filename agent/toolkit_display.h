@@ -16,8 +16,8 @@ void prepareToolkitDisplay ();
     True if there were any. */
 bool runQueuedWindowEvents ();
 
-/** While alive, X errors on the toolkit's connection are swallowed and others go on to the
-    handler that was installed before. On the way out the connection is synced, so that the
+/** While alive, X errors on the toolkit's connection are swallowed, as the toolkit's own handler
+    does in an application, and others go on to the handler that was installed before. On the way out the connection is synced, so that the
     errors of what ran inside arrive while the trap still holds, and the earlier handler is put
     back: the handler is process-wide and is never left replaced. Nests. Message thread only.
     Does nothing while the toolkit has no connection. */
