@@ -5,6 +5,7 @@
 #include "agent/dispatcher_timer.h"
 #include "agent/main_window.h"
 #include "agent/module_entry.h"
+#include "agent/toolkit_display.h"
 #include "sequence/undo/edit_step_manager.h"
 #include "svs/svs_host.h"
 #include "svs/svs_host_list.h"
@@ -64,7 +65,10 @@ CantorelaBetaAgent::~CantorelaBetaAgent ()
     dispatcherTimer.reset ();
 
     // A window left by a host that never terminated goes while the toolkit can still take it down.
-    mainWindow.reset ();
+    {
+        ToolkitErrorTrap trap;
+        mainWindow.reset ();
+    }
     juce::shutdownJuce_GUI ();
 
     for (auto& host : svsHosts->hosts)
@@ -165,6 +169,7 @@ tresult PLUGIN_API CantorelaBetaAgent::terminate ()
 {
     if (mainWindow)
     {
+        ToolkitErrorTrap trap;
         auto window = std::move (mainWindow);
         window.reset ();
     }

@@ -6,6 +6,7 @@
 #include "agent/dispatcher_timer.h"
 #include "agent/main_window.h"
 #include "agent/message_pump.h"
+#include "agent/toolkit_display.h"
 #include "sequence/undo/edit_step_manager.h"
 #include "svs/svs_host_list.h"
 #include "sync/plugin_binding.h"
@@ -131,6 +132,8 @@ tresult PLUGIN_API CantorelaBetaAgent::handleAction (const char* category, const
 
 void CantorelaBetaAgent::showEditor ()
 {
+    prepareToolkitDisplay ();
+    ToolkitErrorTrap trap;  // from here on the toolkit's connection exists, and its errors are ours
     if (!mainWindow)
         mainWindow = std::make_unique<MainWindow> (static_cast<ISKIEditExecution*> (this));
     mainWindow->setVisible (true);

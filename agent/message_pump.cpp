@@ -1,5 +1,7 @@
 #include "agent/message_pump.h"
 
+#include "agent/toolkit_display.h"
+
 #include <juce_events/juce_events.h>
 
 #if JUCE_LINUX
@@ -63,9 +65,13 @@ void dispatchPendingToolkitMessages () noexcept
     try
     {
 #if JUCE_LINUX
+        ToolkitErrorTrap trap;  // repaints and window events talk to the X server
         for (int round = 0; round < kMaxRounds; ++round)
-            if (!dispatchReadyDescriptors ())
+        {
+            const bool queued = runQueuedWindowEvents ();
+            if (!dispatchReadyDescriptors () && !queued)
                 break;
+        }
 #endif
     }
     catch (...)

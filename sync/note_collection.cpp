@@ -15,22 +15,21 @@ namespace {
 constexpr int32 kMusicalTime = 0;
 constexpr int32 kLinearTime = 1;
 
-/** What is read once per part. */
+/** What is read once per part. The part's content start and mute state are asked anew for every event. */
 struct PartFrame
 {
     double start = 0.0;
     double end = 0.0;
-    double contentStart = 0.0;
     int32 transpose = 0;
-    bool muted = false;
     IEditAnchor* anchor = nullptr;
 };
 
 /** An event's position moved from the part's content onto the project's time line. Positions in a
     musical track shift by a musical distance; that distance is converted as one value. */
-bool placeOnTimeline (int32 domain, ITimeContext* time, const PartFrame& part, double& start, double& end)
+bool placeOnTimeline (int32 domain, ITimeContext* time, double partStart, double contentStart, double& start,
+                      double& end)
 {
-    const double shift = part.start - part.contentStart;
+    const double shift = partStart - contentStart;
     if (domain == kLinearTime)
     {
         start += shift;
@@ -96,14 +95,12 @@ TrackNotes collectTrackNotes (IHostProject* project, IProjectNode* root, ISvsPlu
             continue;
         frame.start = part->getStart (time);
         frame.end = part->getEnd (time);
-        frame.contentStart = part->getContentStart (time);
 
         if (lastPartEnd > frame.start)
             partsOverlap = true;
         if (!partsOverlap)
             lastPartEnd = frame.end;
 
-        frame.muted = part->isMuted () & 1;
         DistributionState distribution;
         while (!(events->isDone () & 1))
         {
@@ -122,7 +119,8 @@ TrackNotes collectTrackNotes (IHostProject* project, IProjectNode* root, ISvsPlu
                 continue;
             double start = event->getStart (time);
             double end = event->getEnd (time);
-            if (!placeOnTimeline (domain, time, frame, start, end))
+            const double contentStart = part->getContentStart (time);
+            if (!placeOnTimeline (domain, time, frame.start, contentStart, start, end))
                 continue;
 
             SequenceNote note;
@@ -132,7 +130,8 @@ TrackNotes collectTrackNotes (IHostProject* project, IProjectNode* root, ISvsPlu
             note.lyric = composeLyricText (lyric.word, lyric.hint);
             note.phoneme = lyric.hint;
             // A start that is not at or behind the part's start (NaN included) is muted, not moved.
-            note.muted = frame.muted || (event->isMuted () & 1) || !(start >= frame.start) || start >= frame.end;
+            note.muted = (part->isMuted () & 1) || (event->isMuted () & 1) || !(start >= frame.start)
+                         || start >= frame.end;
             note.transpose = frame.transpose;
             note.soundStart = std::max (start, frame.start);
             note.soundEnd = end;

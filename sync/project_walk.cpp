@@ -130,6 +130,14 @@ void collectInstrumentTracks (IProjectNode* root, TrackList& out)
     });
 }
 
+void forEachInstrumentTrack (IProjectNode* root, const std::function<void (IProjectNode*)>& atTrack)
+{
+    walkTracks (root, [&] (IProjectNode* track) {
+        atTrack (track);
+        return false;
+    });
+}
+
 HostRef<IProjectNode> findTrackOfPlugin (IProjectNode* root, ISvsPlugin* wanted)
 {
     HostRef<IProjectNode> found;

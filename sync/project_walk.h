@@ -8,6 +8,7 @@
 #include "sync/host_ref.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,8 @@ struct PluginLabels
 
 void collectSvsPlugins (Steinberg::IProjectNode* root, PluginList& out);
 void collectInstrumentTracks (Steinberg::IProjectNode* root, TrackList& out);
+/** Calls `atTrack` at every "instrument" track in walk order, while the walk still holds that track. */
+void forEachInstrumentTrack (Steinberg::IProjectNode* root, const std::function<void (Steinberg::IProjectNode*)>& atTrack);
 HostRef<Steinberg::IProjectNode> findTrackOfPlugin (Steinberg::IProjectNode* root, Steinberg::ISvsPlugin* plugin);
 HostRef<Steinberg::IInsertSlot> findSlotOfPlugin (Steinberg::IProjectNode* root, Steinberg::ISvsPlugin* plugin);
 /** The "TrID" of the plug-in's track, 0 for a non-integer value, -1 without a track or an id. */

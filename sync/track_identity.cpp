@@ -22,8 +22,8 @@ void clearMarksOfTrack (IHostProject* project, IProjectNode* track)
 {
     if (!queryHost<ITrackNode> (track))
         return;
-    auto context = adopt (project->getContext (track));
-    if (!context)
+    // The context is only asked for whether there is one; it is let go before the parts are read.
+    if (!adopt (project->getContext (track)))
         return;
     PartList parts;
     collectMidiParts (track, parts);
@@ -57,11 +57,11 @@ uint64_t takeNewTrackId (uint64_t& nextTrackId)
 
 void assignTrackIds (IProjectNode* root, uint64_t& nextTrackId)
 {
-    TrackList tracks;
-    collectInstrumentTracks (root, tracks);
-    for (IProjectNode* track : tracks)
+    // At each track while the walk holds it: a host may keep a node alive only while it is referenced.
+    forEachInstrumentTrack (root, [&] (IProjectNode* track) {
         if (track->hasAttribute (keys::trackId) != kResultOk)
             writeTrackId (track, static_cast<int64> (takeNewTrackId (nextTrackId)));
+    });
 }
 
 void dedupeTrackIds (IProjectNode* root, uint64_t& nextTrackId)

@@ -1,8 +1,11 @@
 // The project walks and the note collection against a simulated project:
-// odd tree shapes, time arithmetic, muting, ordering and lyric dealing.
+// odd tree shapes, the order of host calls, time arithmetic, muting, ordering
+// and lyric dealing.
 #include "sync/note_collection.h"
 #include "sync/project_walk.h"
 #include "sync/text_conversion.h"
+#include "sync/track_identity.h"
+#include "workbench/sim/call_log.h"
 #include "workbench/sim/device.h"
 #include "workbench/sim/folder.h"
 #include "workbench/sim/host_services.h"
@@ -138,7 +141,65 @@ TEST_F (Walks, PartsAreFoundAtAnyDepthButNotInsideAPart)
     EXPECT_EQ (parts[1], deep.face ());
 }
 
+TEST_F (Walks, TrackIdsAreWrittenWhileHeldAndContextsGoBeforeMarksAreCleared)
+{
+    auto& a = song.root ().addInstrumentTrack ("A");
+    auto& b = song.root ().addFolder ("folder").addInstrumentTrack ("B");
+    b.setAttr ("TrID", Sim::Value (int64_t {7}));
+    auto& keys = song.root ().addMidiTrack ("Keys", true);
+    keys.addPart (0.0, 4.0).addNote (0.0, 1.0, 60).setAttr ("svsn", Sim::Value (int64_t {1}));
+    a.logReleases (true);
+    b.logReleases (true);
+    song.time ().logReleases (true);
+
+    // A host node may live only while it is referenced: the id is read and written before the walk lets go.
+    Sim::CallLog::clear ();
+    uint64_t next = 1;
+    Zelmor::assignTrackIds (root.get (), next);
+    EXPECT_EQ (Sim::CallLog::trace ({"IProjectNode::hasAttribute", "IProjectNode::setAttribute", "FUnknown::release"}),
+               (std::vector<std::string> {"IProjectNode::hasAttribute A", "IProjectNode::setAttribute A",
+                                          "FUnknown::release A", "IProjectNode::hasAttribute B", "FUnknown::release B"}));
+
+    a.logReleases (false);
+    b.logReleases (false);
+    Sim::CallLog::clear ();
+    Zelmor::clearNoteMarks (song.hostProject (), root.get ());
+    const std::string context = "IHostProject::getContext Song", released = "FUnknown::release Song tempo";
+    EXPECT_EQ (Sim::CallLog::trace ({"IHostProject::getContext", "IProjectNode::removeAttribute", "FUnknown::release"}),
+               (std::vector<std::string> {context, released, context, released, context, released,
+                                          "IProjectNode::removeAttribute Keys part 1 note 1"}));
+}
+
 using Collection = Fixture;
+
+TEST_F (Collection, ThePartIsAskedAgainForEveryEvent)
+{
+    Sim::SvsPlugin synth;
+    auto& track = song.root ().addInstrumentTrack ("V");
+    track.addSlot ("Slot 1", synth.unknown ());
+    auto& part = track.addPart (0.0, 4.0);
+    part.addNote (0.0, 1.0, 60);
+    part.addNote (1.0, 2.0, 62);
+    for (bool muted : {false, true})
+    {
+        part.setMuted (muted);
+        Sim::CallLog::clear ();
+        notesOf (synth);
+        std::vector<std::string> expected = {"IProjectNode::getStart V part 1", "IProjectNode::getEnd V part 1"};
+        for (const std::string note : {"V part 1 note 1", "V part 1 note 2"})
+        {
+            expected.insert (expected.end (), {"ITrackNode::getTimeDomain V", "IProjectNode::getStart " + note,
+                                               "IProjectNode::getEnd " + note, "IProjectNode::getContentStart V part 1",
+                                               "INoteEvent::getPitch " + note, "IProjectNode::isMuted V part 1"});
+            if (!muted)
+                expected.push_back ("IProjectNode::isMuted " + note);
+        }
+        EXPECT_EQ (Sim::CallLog::trace ({"ITrackNode::getTimeDomain", "IProjectNode::getStart", "IProjectNode::getEnd",
+                                         "IProjectNode::getContentStart", "INoteEvent::getPitch", "IProjectNode::isMuted"}),
+                   expected)
+            << "part muted: " << muted;
+    }
+}
 
 TEST_F (Collection, PartShiftInBothTimeDomains)
 {

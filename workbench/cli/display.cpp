@@ -20,10 +20,6 @@ void* openDisplay (std::string& reason)
         reason = std::string ("cannot reach the display ") + name + ": the editor window is not shown";
         return nullptr;
     }
-    for (const char* atom : {"WM_PROTOCOLS", "WM_DELETE_WINDOW", "WM_TAKE_FOCUS", "_NET_WM_PING", "WM_CHANGE_STATE",
-                             "WM_STATE", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"})
-        XInternAtom (display, atom, False);
-    XSync (display, False);
     return display;
 }
 

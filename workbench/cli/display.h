@@ -1,4 +1,4 @@
-// The X display the agent's window opens on, made ready as a desktop would be.
+// Whether the agent's window has an X display to open on.
 #pragma once
 
 #include <string>
@@ -6,11 +6,9 @@
 namespace Workbench {
 
 /**
- * Opens a connection to $DISPLAY and interns the atoms that a desktop's window
- * manager creates long before any client starts: the toolkit only looks them
- * up, and on a bare X server (Xvfb, say) it would otherwise send requests that
- * name no atom, which ends the process. Null with a reason when there is no
- * display. Keep the connection open while the window lives.
+ * Opens a connection to $DISPLAY, as a host with a user interface holds one, and
+ * does nothing else with it: the module makes what it needs of the server itself,
+ * a bare one (Xvfb, say) included. Null with a reason when there is no display.
  */
 void* openDisplay (std::string& reason);
 void closeDisplay (void* display);

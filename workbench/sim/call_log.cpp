@@ -67,17 +67,31 @@ std::vector<std::string> CallLog::calls ()
     return out;
 }
 
-std::vector<std::string> CallLog::only (std::initializer_list<const char*> names)
+namespace {
+
+std::vector<std::string> restricted (std::initializer_list<const char*> names, bool withObject)
 {
     std::vector<std::string> out;
-    for (auto& e : entries ())
+    for (auto& e : CallLog::entries ())
         for (const char* n : names)
             if (e.call == n)
             {
-                out.push_back (e.call);
+                out.push_back (withObject ? e.call + " " + e.object : e.call);
                 break;
             }
     return out;
+}
+
+} // namespace
+
+std::vector<std::string> CallLog::only (std::initializer_list<const char*> names)
+{
+    return restricted (names, false);
+}
+
+std::vector<std::string> CallLog::trace (std::initializer_list<const char*> names)
+{
+    return restricted (names, true);
 }
 
 std::vector<std::string> CallLog::startingWith (std::initializer_list<const char*> prefixes)

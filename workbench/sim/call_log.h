@@ -37,6 +37,8 @@ public:
     static std::vector<std::string> calls ();
     /** The ordered calls restricted to the given names. */
     static std::vector<std::string> only (std::initializer_list<const char*> names);
+    /** As `only`, each call followed by a blank and the name of its receiver. */
+    static std::vector<std::string> trace (std::initializer_list<const char*> names);
     /** The ordered calls whose name starts with one of the prefixes. */
     static std::vector<std::string> startingWith (std::initializer_list<const char*> prefixes);
 

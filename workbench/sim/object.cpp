@@ -76,7 +76,10 @@ uint32 Object::comAddRef ()
 
 uint32 Object::comRelease ()
 {
-    CallLog::countOnly (side_, "FUnknown::release");
+    if (logReleases_)
+        CallLog::record (side_, "FUnknown::release", name_);
+    else
+        CallLog::countOnly (side_, "FUnknown::release");
     return drop ();
 }
 

@@ -38,6 +38,8 @@ public:
     int32_t expectedCount () const { return expected_.load (); }
     void adjustExpectedCount (int32_t delta) { expected_ += delta; }
     int32_t overReleases () const { return overReleases_.load (); }
+    /** Puts this object's releases into the ordered call log, so that a test can see when a reference went. */
+    void logReleases (bool on) { logReleases_ = on; }
 
     /** The simulation's own references: neither logged nor counted as calls. */
     Steinberg::uint32 retain ();
@@ -76,6 +78,7 @@ private:
     std::atomic<int32_t> expected_;
     std::atomic<int32_t> overReleases_ {0};
     bool retired_ = false;
+    bool logReleases_ = false;
     uint64_t serial_ = 0;
 };
 

@@ -67,26 +67,16 @@ private:
 Sim::LoadedModule* module = nullptr;
 IPluginFactory* factory = nullptr;
 Display* xserver = nullptr;
-Atom wmProtocols = None;
-Atom wmDeleteWindow = None;
 
-/** Loads the module once for the process. The X connection comes first and
-    interns the atoms that a desktop's window manager makes long before any
-    client starts: the toolkit only looks these up, and a bare X server has none,
-    so without them it would send requests that name no atom. */
+/** Loads the module once for the process. The test's own X connection makes no atom: its
+    helpers only look atoms up, so the module meets the server as bare as xvfb-run gives it. */
 class ModuleEnvironment : public ::testing::Environment
 {
 public:
     void SetUp () override
     {
-        if (std::getenv ("DISPLAY") && (xserver = XOpenDisplay (nullptr)))
-        {
-            for (const char* name : {"WM_TAKE_FOCUS", "_NET_WM_PING", "WM_CHANGE_STATE", "WM_STATE",
-                                     "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN"})
-                XInternAtom (xserver, name, False);
-            wmProtocols = XInternAtom (xserver, "WM_PROTOCOLS", False);
-            wmDeleteWindow = XInternAtom (xserver, "WM_DELETE_WINDOW", False);
-        }
+        if (std::getenv ("DISPLAY"))
+            xserver = XOpenDisplay (nullptr);
         module = new Sim::LoadedModule (CANTORELA_MODULE_PATH);
         ASSERT_TRUE (module->ok ()) << module->error ();
         ASSERT_TRUE (module->bundleEntry ());
@@ -195,9 +185,11 @@ std::string textProperty (Window window, const char* name)
     unsigned long count = 0, after = 0;
     unsigned char* data = nullptr;
     std::string text;
-    if (XGetWindowProperty (xserver, window, XInternAtom (xserver, name, False), 0, 256, False, AnyPropertyType,
-                            &type, &format, &count, &after, &data)
-            == Success
+    const Atom property = XInternAtom (xserver, name, True);
+    if (property != None
+        && XGetWindowProperty (xserver, window, property, 0, 256, False, AnyPropertyType, &type, &format, &count,
+                               &after, &data)
+               == Success
         && data && format == 8)
         text.assign (reinterpret_cast<char*> (data), count);
     if (data)
@@ -214,14 +206,16 @@ std::string titleOf (Window window)
 /** The process id a window claims, or -1 when it claims none. */
 long pidOf (Window window)
 {
-    const Atom pidAtom = XInternAtom (xserver, "_NET_WM_PID", False);
+    const Atom pidAtom = XInternAtom (xserver, "_NET_WM_PID", True);
     Atom type = None;
     int format = 0;
     unsigned long count = 0, after = 0;
     unsigned char* data = nullptr;
     long pid = -1;
-    if (XGetWindowProperty (xserver, window, pidAtom, 0, 1, False, XA_CARDINAL, &type, &format, &count, &after, &data)
-            == Success
+    if (pidAtom != None
+        && XGetWindowProperty (xserver, window, pidAtom, 0, 1, False, XA_CARDINAL, &type, &format, &count, &after,
+                               &data)
+               == Success
         && data && count == 1)
         pid = static_cast<long> (*reinterpret_cast<unsigned long*> (data));
     if (data)
@@ -278,15 +272,20 @@ Placement placementOf (Window window)
     return placement;
 }
 
-/** What the native close button does: the window manager's WM_DELETE_WINDOW. */
+/** What the native close button does: the window manager's WM_DELETE_WINDOW. The atoms are the
+    ones the module made for its window. */
 void pressCloseButton (Window window)
 {
+    const Atom protocols = XInternAtom (xserver, "WM_PROTOCOLS", True);
+    const Atom deleteWindow = XInternAtom (xserver, "WM_DELETE_WINDOW", True);
+    ASSERT_NE (protocols, static_cast<Atom> (None));
+    ASSERT_NE (deleteWindow, static_cast<Atom> (None));
     XEvent event {};
     event.xclient.type = ClientMessage;
     event.xclient.window = window;
-    event.xclient.message_type = wmProtocols;
+    event.xclient.message_type = protocols;
     event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long> (wmDeleteWindow);
+    event.xclient.data.l[0] = static_cast<long> (deleteWindow);
     event.xclient.data.l[1] = CurrentTime;
     XSendEvent (xserver, window, False, NoEventMask, &event);
     XFlush (xserver);
@@ -407,7 +406,37 @@ protected:
     Agent agent;
 };
 
+/** The host's own X error handler: counts what reaches it from any connection but the test's. */
+int foreignErrors = 0;
+int countForeignErrors (Display* display, XErrorEvent*)
+{
+    foreignErrors += display != xserver;
+    return 0;
+}
+
 // ---------------------------------------------------------------- the cases
+
+// The first case, so that it meets the server as xvfb-run gives it: no window manager and no client
+// that made the window manager's atoms. Until the host's handler goes in, Xlib's default handler ends
+// the process on any X error that the module lets through.
+TEST_F (EditorWindow, ABareServerAndTheHostsErrorHandlerOutliveTheWindow)
+{
+    EXPECT_EQ (agent.showEditor (), kResultOk);
+    const Window window = showAndWait ();
+    ASSERT_NE (window, 0u) << "no mapped window after Show Editor twice";
+
+    // The window is pulled away behind the toolkit's back, so that every request on it fails: none of
+    // that may reach the host's handler, which must be back in place after each call.
+    XSetErrorHandler (countForeignErrors);
+    XDestroyWindow (xserver, window);
+    XSync (xserver, False);
+    agent.idleFor (300);
+    EXPECT_EQ (agent.showEditor (), kResultOk);
+    agent.idleFor (300);
+    EXPECT_EQ (agent.terminate (), kResultOk);
+    EXPECT_EQ (XSetErrorHandler (nullptr), &countForeignErrors) << "the host's handler was left replaced";
+    EXPECT_EQ (foreignErrors, 0) << "X errors of the module's connection reached the host's handler";
+}
 
 TEST_F (EditorWindow, ShowsTheTickingClockCentredInAnEightHundredSquare)
 {
