@@ -1,5 +1,5 @@
 #pragma once
-// The process-wide pronouncing dictionary, parsed from the embedded text
+// The process-wide pronouncing dictionary, indexed over the embedded text
 // during static initialisation and released at unload.
 
 #include "phoneme/pronouncing_dictionary.h"
@@ -16,7 +16,8 @@ struct DictionaryHolder {
 // The holder, or null before the module's initialiser has run or after unload.
 const DictionaryHolder* dictionaryHolder();
 
-// The holder's map, or null when there is none; a caller then skips conversion.
+// The holder's dictionary, or null when there is none; a caller then skips
+// conversion.
 const PronouncingDictionary* dictionaryHolderMap();
 
 // The dictionary text compiled into the module.

@@ -137,16 +137,16 @@ void convertWord(const std::u32string& text, int32_t first, int32_t end,
             key += c;
     }
 
-    const auto hit = dictionary.find(key);
+    const size_t hit = findWord(dictionary, key);
 
     if (end - first == 1 && text[static_cast<size_t>(first)] == U'0')
         applyControlWord(result);
 
     std::string phonemes;
     std::string orthography;
-    if (hit != dictionary.end()) {
+    if (hit != noWord) {
         // Hyphen positions on dictionary words are measured on the phoneme text.
-        phonemes = hit->second.phonemes;
+        phonemes = phonemesAt(dictionary, hit);
         orthography = phonemes;
     } else if (canHavePhonemes(key)) {
         auto fallback = lettersToPhonemes(key);

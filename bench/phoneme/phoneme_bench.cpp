@@ -1,5 +1,5 @@
-// Load, conversion and regular-expression costs of the lyric converter, with
-// espeak-ng on the same words for scale.
+// Load, lookup, conversion and regular-expression costs of the lyric
+// converter, with the former map dictionary and espeak-ng for scale.
 
 #include "phoneme/dictionary_holder.h"
 #include "phoneme/fallback.h"
@@ -12,8 +12,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <dlfcn.h>
 #include <unistd.h>
 
 using namespace Zelmor;
@@ -30,12 +33,10 @@ const std::vector<std::string>& dictionaryWords()
 {
     static const std::vector<std::string> words = [] {
         std::vector<std::string> out;
-        size_t i = 0;
-        for (const auto& [word, entry] : dictionary()) {
-            if (i++ % 64 != 0)
-                continue;
+        for (size_t i = 0; i < dictionary().rows.size(); i += 64) {
+            const std::string_view word = wordAt(dictionary(), i);
             if (word.find_first_not_of("abcdefghijklmnopqrstuvwxyz") == std::string::npos)
-                out.push_back(word);
+                out.emplace_back(word);
         }
         return out;
     }();
@@ -49,7 +50,7 @@ const std::vector<std::string>& unknownWords()
         std::vector<std::string> out;
         for (const auto& word : dictionaryWords()) {
             std::string reversed(word.rbegin(), word.rend());
-            if (dictionary().count(reversed) == 0)
+            if (findWord(dictionary(), reversed) == noWord)
                 out.push_back(reversed);
         }
         return out;
@@ -57,37 +58,175 @@ const std::vector<std::string>& unknownWords()
     return words;
 }
 
-void BM_DictionaryParse(benchmark::State& state)
+// The dictionary as it was held before the index: an ordered map with a node
+// and two strings a row, filled in one pass over the text. The baseline for
+// load time, memory and lookups.
+struct MapEntry {
+    std::string phonemes;
+    std::string orthography;
+};
+using MapDictionary = std::map<std::string, MapEntry, std::less<>>;
+
+MapDictionary loadMapDictionary(const char* text, int32_t length)
 {
+    const auto isBlank = [](char c) {
+        return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+    };
+    MapDictionary map;
+    const std::string_view all(text, static_cast<size_t>(length));
+    size_t start = 0;
+    while (start < all.size()) {
+        size_t stop = start;
+        while (stop < all.size() && all[stop] != '\n' && all[stop] != '\r')
+            ++stop;
+        std::string_view line = all.substr(start, stop - start);
+        start = stop;
+        if (start < all.size())
+            start += (all[start] == '\r' && start + 1 < all.size() && all[start + 1] == '\n') ? 2 : 1;
+        while (!line.empty() && isBlank(line.front()))
+            line.remove_prefix(1);
+        while (!line.empty() && isBlank(line.back()))
+            line.remove_suffix(1);
+        const size_t tab1 = line.find('\t');
+        if (tab1 == std::string_view::npos)
+            continue;
+        const size_t tab2 = line.find('\t', tab1 + 1);
+        if (tab2 == std::string_view::npos || line.find('\t', tab2 + 1) != std::string_view::npos)
+            continue;
+        auto it = map.try_emplace(map.end(), std::string(line.substr(0, tab1)));
+        it->second.phonemes = stripStress(std::string(line.substr(tab1 + 1, tab2 - tab1 - 1)));
+        it->second.orthography.assign(line.substr(tab2 + 1));
+    }
+    map["sil"] = MapEntry{"SIL", "sil"};
+    map["br"] = MapEntry{"BR", "br"};
+    return map;
+}
+
+long residentKib()
+{
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.rfind("VmRSS:", 0) == 0)
+            return std::atol(line.c_str() + 6);
+    return 0;
+}
+
+// The floor for any load: one memchr pass that finds every line.
+size_t plainScan()
+{
+    const char* p = embeddedDictionaryText();
+    const char* const end = p + embeddedDictionarySize();
+    size_t lines = 1;
+    while ((p = static_cast<const char*>(std::memchr(p, '\n', static_cast<size_t>(end - p)))) != nullptr) {
+        ++p;
+        ++lines;
+    }
+    return lines;
+}
+
+void BM_DictionaryPlainScan(benchmark::State& state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(plainScan());
+    state.SetBytesProcessed(int64_t(state.iterations()) * embeddedDictionarySize());
+}
+BENCHMARK(BM_DictionaryPlainScan)->Unit(benchmark::kMillisecond);
+
+// The index, as the module builds it. rss_kib: what the first load added.
+void BM_DictionaryLoad(benchmark::State& state)
+{
+    static const long added = [] {
+        const long before = residentKib();
+        const auto index = loadPronouncingDictionary(embeddedDictionaryText(), embeddedDictionarySize());
+        return residentKib() - before;
+    }();
     for (auto _ : state) {
-        auto map = loadPronouncingDictionary(embeddedDictionaryText(), embeddedDictionarySize());
-        benchmark::DoNotOptimize(map.size());
-        // Freeing the map belongs to unload, not to load.
+        auto index = loadPronouncingDictionary(embeddedDictionaryText(), embeddedDictionarySize());
+        benchmark::DoNotOptimize(index.rows.data());
         state.PauseTiming();
-        map = PronouncingDictionary();
+        index = PronouncingDictionary();
         state.ResumeTiming();
     }
     state.SetBytesProcessed(int64_t(state.iterations()) * embeddedDictionarySize());
+    state.counters["rss_kib"] = double(added);
 }
-BENCHMARK(BM_DictionaryParse)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DictionaryLoad)->Unit(benchmark::kMillisecond);
 
-// The floor for any parse: one pass that finds every line and field.
-void BM_DictionaryPlainScan(benchmark::State& state)
+void BM_DictionaryLoad_Map(benchmark::State& state)
 {
-    const char* text = embeddedDictionaryText();
-    const int32_t size = embeddedDictionarySize();
+    static const long added = [] {
+        const long before = residentKib();
+        const auto map = loadMapDictionary(embeddedDictionaryText(), embeddedDictionarySize());
+        return residentKib() - before;
+    }();
     for (auto _ : state) {
-        size_t lines = 0, tabs = 0;
-        for (int32_t i = 0; i < size; ++i) {
-            lines += text[i] == '\n';
-            tabs += text[i] == '\t';
-        }
-        benchmark::DoNotOptimize(lines);
-        benchmark::DoNotOptimize(tabs);
+        auto map = loadMapDictionary(embeddedDictionaryText(), embeddedDictionarySize());
+        benchmark::DoNotOptimize(map.size());
+        // Freeing the map belongs to unload, not to load.
+        state.PauseTiming();
+        map = MapDictionary();
+        state.ResumeTiming();
     }
-    state.SetBytesProcessed(int64_t(state.iterations()) * size);
+    state.SetBytesProcessed(int64_t(state.iterations()) * embeddedDictionarySize());
+    state.counters["rss_kib"] = double(added);
 }
-BENCHMARK(BM_DictionaryPlainScan)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DictionaryLoad_Map)->Unit(benchmark::kMillisecond);
+
+#ifdef CANTORELA_MODULE_PATH
+// dlopen of the built bundle: the module's static initialisation with its
+// dictionary. scan_ratio: the load over a plain scan timed beside it;
+// rss_kib: resident memory that the first load in this process added.
+void BM_ModuleLoad(benchmark::State& state)
+{
+    using Clock = std::chrono::steady_clock;
+    static long added = -1;
+    double load = 0, scan = 0;
+    for (auto _ : state) {
+        const long before = residentKib();
+        const auto t0 = Clock::now();
+        void* module = dlopen(CANTORELA_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
+        const auto t1 = Clock::now();
+        if (!module) {
+            state.SkipWithError(dlerror());
+            return;
+        }
+        if (added < 0)
+            added = residentKib() - before;
+        dlclose(module);
+        const auto t2 = Clock::now();
+        benchmark::DoNotOptimize(plainScan());
+        const auto t3 = Clock::now();
+        load += std::chrono::duration<double>(t1 - t0).count();
+        scan += std::chrono::duration<double>(t3 - t2).count();
+        state.SetIterationTime(std::chrono::duration<double>(t1 - t0).count());
+    }
+    state.counters["scan_ms"] = 1000 * scan / double(state.iterations());
+    state.counters["scan_ratio"] = load / scan;
+    state.counters["rss_kib"] = double(added);
+}
+BENCHMARK(BM_ModuleLoad)->Unit(benchmark::kMillisecond)->UseManualTime();
+#endif
+
+// Exact searches of dictionary words, the copy of their phonemes included.
+void BM_LookUp(benchmark::State& state)
+{
+    for (auto _ : state)
+        for (const auto& word : dictionaryWords())
+            benchmark::DoNotOptimize(phonemesAt(dictionary(), findWord(dictionary(), word)));
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(dictionaryWords().size()));
+}
+BENCHMARK(BM_LookUp)->Unit(benchmark::kMicrosecond);
+
+void BM_LookUp_Map(benchmark::State& state)
+{
+    static const MapDictionary map = loadMapDictionary(embeddedDictionaryText(), embeddedDictionarySize());
+    for (auto _ : state)
+        for (const auto& word : dictionaryWords())
+            benchmark::DoNotOptimize(std::string(map.find(word)->second.phonemes));
+    state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(dictionaryWords().size()));
+}
+BENCHMARK(BM_LookUp_Map)->Unit(benchmark::kMicrosecond);
 
 void convertAll(benchmark::State& state, const std::vector<std::string>& words)
 {

@@ -1,20 +1,52 @@
 #include "phoneme/dictionary_holder.h"
 #include "phoneme/pronouncing_dictionary.h"
+#include "phoneme/string_helpers.h"
 #include "phoneme/tools/dictionary_generator.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 using namespace Zelmor;
 
 namespace {
 
-PronouncingDictionary load(const std::string& text)
+// The plain reading of the format into an ordered map, line by line with the
+// string helpers: what every lookup of the index must answer like.
+std::map<std::string, std::pair<std::string, std::string>> referenceParse(const std::string& text)
 {
-    return loadPronouncingDictionary(text.data(), static_cast<int32_t>(text.size()));
+    std::map<std::string, std::pair<std::string, std::string>> map;
+    std::vector<std::string> lines, fields;
+    splitlines(text, lines);
+    for (const auto& line : lines) {
+        split(strip(line), fields, "\t");
+        if (fields.size() == 3)
+            map[fields[0]] = {stripStress(fields[1]), fields[2]};
+    }
+    map["sil"] = {"SIL", "sil"};
+    map["br"] = {"BR", "br"};
+    return map;
+}
+
+// Same words in the same byte order, same answers, and near misses miss alike.
+void expectSameAsReference(const std::string& text)
+{
+    const auto reference = referenceParse(text);
+    const auto dictionary = loadPronouncingDictionary(text.data(), static_cast<int32_t>(text.size()));
+    ASSERT_EQ(dictionary.rows.size(), reference.size());
+    size_t i = 0;
+    for (const auto& [word, entry] : reference) {
+        ASSERT_EQ(wordAt(dictionary, i), word);
+        ASSERT_EQ(findWord(dictionary, word), i);
+        ASSERT_EQ(phonemesAt(dictionary, i), entry.first) << word;
+        ASSERT_EQ(orthographyAt(dictionary, i), entry.second) << word;
+        for (const std::string& near : {word.substr(0, word.size() - 1), word + '\t', word + '~'})
+            ASSERT_EQ(findWord(dictionary, near) != noWord, reference.count(near) == 1) << near;
+        ++i;
+    }
 }
 
 std::string readFile(const char* path)
@@ -27,35 +59,26 @@ std::string readFile(const char* path)
 
 } // namespace
 
-TEST(PronouncingDictionary, LoadsThreeFieldLinesOnly)
+TEST(PronouncingDictionary, AnswersLikeAPlainParse)
 {
-    const auto map = load("hello\thh ah0 . l ow1\the . llo\r\n"
-                          "two\tfields\n"
-                          "four\ta\tb\tc\n"
-                          "  padded\tp ae d\tpa . dded \t\n"
-                          "empty\t\t\r"
-                          "retweet\tr iy . t w iy t\tr e . tweet");
-    EXPECT_EQ(map.at("hello").phonemes, "hh ah . l ow");
-    EXPECT_EQ(map.at("hello").orthography, "he . llo");
-    EXPECT_EQ(map.count("two"), 0u);
-    EXPECT_EQ(map.count("four"), 0u);
-    // Strip runs on the whole line before the tab split.
-    EXPECT_EQ(map.at("padded").orthography, "pa . dded");
-    // "empty\t\t" loses its tabs to the strip and so has one field.
-    EXPECT_EQ(map.count("empty"), 0u);
-    EXPECT_EQ(map.at("retweet").phonemes, "r iy . t w iy t");
-    EXPECT_EQ(map.size(), 5u);
-}
-
-TEST(PronouncingDictionary, ReservedRowsWinAndRepeatsReplace)
-{
-    const auto map = load("sil\ts ih1 l\tsil\nw\tone\tx\nw\ttwo\ty");
-    EXPECT_EQ(map.at("sil").phonemes, "SIL");
-    EXPECT_EQ(map.at("sil").orthography, "sil");
-    EXPECT_EQ(map.at("br").phonemes, "BR");
-    EXPECT_EQ(map.at("w").phonemes, "two");
-    EXPECT_EQ(loadPronouncingDictionary(nullptr, 10).size(), 2u);
-    EXPECT_EQ(loadPronouncingDictionary("x\ty\tz", -1).size(), 2u);
+    using namespace std::string_literals;
+    const std::string texts[] = {
+        // Malformed lines, line ends, blanks that the strip takes.
+        "hello\thh ah0 . l ow1\the . llo\r\ntwo\tfields\nfour\ta\tb\tc\n  padded\tp ae d\tpa . dded \t\n"
+        "empty\t\t\rq\tr\rs\tt\nretweet\tr iy . t w iy t\tr e . tweet\n\n\r\n\t\n\ta\tb\tc\t\nk \t\tx\vy\nz\tq\tr\r",
+        // The reserved words win; a repeated word keeps its last row, in order or not.
+        "sil\ts ih1 l\tsil\nw\tone\tx\nw\ttwo\ty\nbr\tb r\tbr\nw\tthree\tz",
+        // Out of order: alternates, joined phrases, late additions, bytes above 0x7f.
+        "b\tb\tb\nab\tx\tx\nab(1)\ty\ty\nab's\tz\tz\na_b\tu\tu\na\ta1\ta\n\xc3\xa9\te\te\nzz\tz\tz\na\ta2\ta",
+        // Control bytes and zeros inside fields of long rows.
+        "key\x01\x0e\x0e\x0e\x0e\x0e\x0e\x0e\x0e\tph0 x\x0e\x0e\x0e\x0e\x0e\x0e\x0e\x0e\torth\x0b\x0c\x0e\x0e\x0e\x0e\x0e\x0e\n"
+        "n\0ul\0\0\0\0\0\0\0\0\tn\0\0\0\0\0\0\0\0\0\tz\0"s,
+        "",
+    };
+    for (const auto& text : texts)
+        expectSameAsReference(text);
+    EXPECT_EQ(loadPronouncingDictionary(nullptr, 10).rows.size(), 2u);
+    EXPECT_EQ(loadPronouncingDictionary("x\ty\tz", -1).rows.size(), 2u);
 }
 
 TEST(PronouncingDictionary, StripStress)
@@ -75,16 +98,18 @@ TEST(EmbeddedDictionary, HolderIsBuiltFromTheEmbeddedText)
     EXPECT_EQ(all.find('\r'), std::string_view::npos);
     EXPECT_TRUE(std::none_of(all.begin(), all.end(), [](char c) { return static_cast<unsigned char>(c) > 0x7f; }));
 
-    const PronouncingDictionary* map = dictionaryHolderMap();
-    ASSERT_NE(map, nullptr);
+    const PronouncingDictionary* dictionary = dictionaryHolderMap();
+    ASSERT_NE(dictionary, nullptr);
     ASSERT_NE(dictionaryHolder(), nullptr);
     const size_t lines = static_cast<size_t>(std::count(all.begin(), all.end(), '\n')) + 1;
-    EXPECT_EQ(map->size(), lines + 1); // every row, plus "br"
-    EXPECT_EQ(map->at("hello").phonemes, "hh ah . l ow");
-    EXPECT_EQ(map->at("continuing").phonemes, "k ah n . t ih n . y uw . ih ng");
-    EXPECT_EQ(map->at("lovely").phonemes, "l ah v . l iy");
-    EXPECT_EQ(map->at("absolve(1)").orthography, "ab . sol . ve . (1)");
-    EXPECT_EQ(map->at("'bout").phonemes, "b aw t");
+    EXPECT_EQ(dictionary->rows.size(), lines + 1); // every row, plus "br"
+    const auto phonemes = [&](std::string_view word) { return phonemesAt(*dictionary, findWord(*dictionary, word)); };
+    EXPECT_EQ(phonemes("hello"), "hh ah . l ow");
+    EXPECT_EQ(phonemes("continuing"), "k ah n . t ih n . y uw . ih ng");
+    EXPECT_EQ(phonemes("'bout"), "b aw t");
+    EXPECT_EQ(phonemes("sil"), "SIL");
+    EXPECT_EQ(orthographyAt(*dictionary, findWord(*dictionary, "absolve(1)")), "ab . sol . ve . (1)");
+    expectSameAsReference(std::string(all));
 }
 
 TEST(DictionaryGenerator, ConvertsCmuRows)

@@ -40,9 +40,9 @@ TEST(LyricConverter, DictionaryHitsAndMisses)
 
 TEST(LyricConverter, UnderscoreAndApostropheKeysAreReachable)
 {
-    PronouncingDictionary dictionary = {{"air_force", {"eh r . f ao r s", "air . force"}},
-                                        {"w00t", {"w uw t", "w00t"}},
-                                        {"rock'n", {"r aa k . ah n", "rock . 'n"}}};
+    const std::string text = "air_force\teh r . f ao r s\tair . force\nw00t\tw uw t\tw00t\n"
+                             "rock'n\tr aa k . ah n\trock . 'n";
+    const auto dictionary = loadPronouncingDictionary(text.data(), static_cast<int32_t>(text.size()));
     EXPECT_EQ(convertLyric("Air_Force", dictionary), (V{"eh r", "f ao r s"}));
     EXPECT_EQ(convertLyric("w00t", dictionary), (V{"w uw t"}));
     EXPECT_EQ(convertLyric("rock'n", dictionary), (V{"r aa k", "ah n"}));
