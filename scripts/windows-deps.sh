@@ -71,7 +71,7 @@ logged() {
 built() { [ -f "$prefix/.built-$1" ]; }
 mark_built() { touch "$prefix/.built-$1"; }
 
-cross_cmake=(-G Ninja -Wno-dev --no-warn-unused-cli -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_SYSTEM_PROCESSOR=x86_64
+cross_cmake=(-Wno-dev --no-warn-unused-cli -DCMAKE_SYSTEM_NAME=Windows -DCMAKE_SYSTEM_PROCESSOR=x86_64
              -DCMAKE_C_COMPILER=$host-gcc-posix -DCMAKE_CXX_COMPILER=$host-g++-posix
              -DCMAKE_RC_COMPILER=$host-windres -DCMAKE_BUILD_TYPE=Release
              -DCMAKE_FIND_ROOT_PATH=/usr/$host -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY
