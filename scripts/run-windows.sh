@@ -71,6 +71,7 @@ if [ ! -f "$WINEPREFIX/.cantorela-ready" ]; then
   wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d 1280x1024 /f > /dev/null 2>&1
   # A new server takes the desktop from the saved registry.
   wineserver -k
+  wineserver -w
   wineserver -p
   touch "$WINEPREFIX/.cantorela-ready"
 fi
@@ -81,7 +82,7 @@ wine cmd /c exit < /dev/null > /dev/null 2>&1
 # --- Tests ------------------------------------------------------------------------------
 stamp "tests under Wine"
 failed=0
-ctest --test-dir "$build_win" --output-on-failure -j "$jobs" || failed=1
+ctest --test-dir "$build_win" --output-on-failure -j "$jobs" --timeout 300 || failed=1
 
 stamp "workbench JSON, Windows against Linux"
 linux_json="$build_win/json/linux" windows_json="$build_win/json/windows"
