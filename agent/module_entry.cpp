@@ -13,9 +13,17 @@ ModuleState& moduleState ()
 
 } // namespace Kt
 
+// A Windows host knows the entry points as InitDll and ExitDll (dll_main.cpp); there
+// these two stay inside the module.
+#if SMTG_OS_WINDOWS
+ #define CANTORELA_BUNDLE_ENTRY
+#else
+ #define CANTORELA_BUNDLE_ENTRY SMTG_EXPORT_SYMBOL
+#endif
+
 extern "C" {
 
-SMTG_EXPORT_SYMBOL bool bundleEntry (void* bundle)
+CANTORELA_BUNDLE_ENTRY bool bundleEntry (void* bundle)
 {
     if (!bundle)
         return true;
@@ -31,7 +39,7 @@ SMTG_EXPORT_SYMBOL bool bundleEntry (void* bundle)
     return true;
 }
 
-SMTG_EXPORT_SYMBOL bool bundleExit ()
+CANTORELA_BUNDLE_ENTRY bool bundleExit ()
 {
     auto& state = Kt::moduleState ();
     const int32_t old = state.moduleRefCount--;
@@ -45,8 +53,10 @@ SMTG_EXPORT_SYMBOL bool bundleExit ()
     return true;
 }
 
+#if !SMTG_OS_WINDOWS
 // The names a Linux host looks for.
 SMTG_EXPORT_SYMBOL bool ModuleEntry (void* sharedLibraryHandle) __attribute__ ((alias ("bundleEntry")));
 SMTG_EXPORT_SYMBOL bool ModuleExit () __attribute__ ((alias ("bundleExit")));
+#endif
 
 } // extern "C"

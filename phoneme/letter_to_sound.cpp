@@ -2,7 +2,14 @@
 
 #include <re2/re2.h>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#else
 #include <dlfcn.h>
+#endif
 
 namespace Zelmor {
 
@@ -408,6 +415,20 @@ std::unique_ptr<re2::RE2> compileContext(const std::string& context, bool atStar
 // load; pinned, the one set serves every later load.
 static void keepRegexLibraryLoaded()
 {
+#if defined(_WIN32)
+    // The loader pins a DLL for good when asked by an address inside it.
+    const auto regexCode = reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&re2::RE2::FullMatchN));
+    const DWORD lookUp = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    HMODULE regexLibrary = nullptr, self = nullptr;
+    if (!GetModuleHandleExW(lookUp, regexCode, &regexLibrary))
+        return;
+    // Linked in statically it shares our own file, which must stay free to unload.
+    if (GetModuleHandleExW(lookUp, reinterpret_cast<LPCWSTR>(&keepRegexLibraryLoaded), &self) &&
+        self == regexLibrary)
+        return;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN, regexCode,
+                       &regexLibrary);
+#else
     Dl_info regexLibrary{}, self{};
     if (dladdr(reinterpret_cast<void*>(&re2::RE2::FullMatchN), &regexLibrary) == 0 || !regexLibrary.dli_fname)
         return;
@@ -416,6 +437,7 @@ static void keepRegexLibraryLoaded()
         self.dli_fbase == regexLibrary.dli_fbase)
         return;
     dlopen(regexLibrary.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+#endif
 }
 
 LetterToSoundEngine::LetterToSoundEngine()

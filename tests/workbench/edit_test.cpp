@@ -37,7 +37,7 @@ TEST_F (EditTest, UndoRestoresTextsAndAttributesThenRedoReappliesThem)
 
     // The agent's own writes inside a second edit, with and without the context.
     auto& ctx = project.beginEdit ();
-    FVariant word (u"ki[k i]");
+    FVariant word (STR16 ("ki[k i]"));
     a.setValue ("lyrics", &word, nullptr, &ctx);
     b.setValue ("phoneme", &word, nullptr, nullptr);
     a.setAttr ("lyph", Sim::Value::text ("ki[k i]"));

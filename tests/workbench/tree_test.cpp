@@ -68,7 +68,7 @@ TEST_F (TreeTest, AttributesFollowTheVariantRules)
 
     std::u16string buffer = u"ka[k a]";
     FVariant in;
-    in.setString16 (buffer.c_str ());  // type 32, no owner: the caller keeps its buffer
+    in.setString16 (Sim::units (buffer));  // type 32, no owner: the caller keeps its buffer
     node->setAttribute ("lyph", &in, 1);
     buffer.assign (u"xxxxxxx");
     EXPECT_EQ (note.attrText ("lyph"), "ka[k a]");
@@ -77,8 +77,8 @@ TEST_F (TreeTest, AttributesFollowTheVariantRules)
     FVariant out;
     ASSERT_EQ (node->getAttribute ("lyph", &out), kResultOk);
     EXPECT_EQ (out.type, FVariant::kString16 | FVariant::kOwner);
-    EXPECT_NE (out.string16, note.attr ("lyph")->asWide ().c_str ());
-    EXPECT_EQ (std::u16string (out.string16), u"ka[k a]");
+    EXPECT_NE (out.string16, Sim::units (note.attr ("lyph")->asWide ()));
+    EXPECT_EQ (Sim::fromUnits (out.string16), u"ka[k a]");
     out.empty ();  // frees the copy with array delete
 
     note.setBorrowedStrings (true);

@@ -11,7 +11,13 @@ namespace Workbench {
 
 namespace {
 
-std::string format (const char* fmt, ...) __attribute__ ((format (printf, 1, 2)));
+// mingw takes "printf" for Microsoft's checks; the C99 printf used there is "gnu_printf".
+#if defined(__MINGW32__)
+#define REPORT_PRINTF_FORMAT gnu_printf
+#else
+#define REPORT_PRINTF_FORMAT printf
+#endif
+std::string format (const char* fmt, ...) __attribute__ ((format (REPORT_PRINTF_FORMAT, 1, 2)));
 std::string format (const char* fmt, ...)
 {
     char buf[512];

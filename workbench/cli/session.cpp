@@ -1,6 +1,7 @@
 #include "workbench/cli/session.h"
 
 #include "workbench/cli/display.h"
+#include "workbench/cli/host_loop.h"
 
 #include "workbench/loader/module_loader.h"
 #include "workbench/sim/agent_driver.h"
@@ -223,6 +224,7 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
                 const auto until = Clock::now () + std::chrono::duration<double> (options.editorSeconds);
                 while (Clock::now () < until)
                 {
+                    dispatchWindowMessages ();
                     driver.idle ();
                     std::this_thread::sleep_for (std::chrono::milliseconds (20));
                 }

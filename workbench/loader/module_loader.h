@@ -1,5 +1,6 @@
 // Loads a module bundle the way a host does: dlopen, the entry point with the
-// loader's handle, the factory, and, at the end, the exit and dlclose.
+// loader's handle, the factory, and, at the end, the exit and dlclose; on
+// Windows LoadLibrary, InitDll, the factory, ExitDll and FreeLibrary.
 #pragma once
 
 #include "pluginterfaces/base/ipluginbase.h"
@@ -11,7 +12,7 @@ namespace Sim {
 class LoadedModule
 {
 public:
-    /** Opens `path` (a .so or a .vst3 bundle folder). Check ok() and error(). */
+    /** Opens `path` (the module file or a .vst3 bundle folder). Check ok() and error(). */
     explicit LoadedModule (const std::string& path);
     ~LoadedModule ();
 
@@ -34,17 +35,20 @@ public:
     /** Finds the one class of category "Service" and creates it, asking for IPluginBase. */
     Steinberg::IPluginBase* createService (Steinberg::IPluginFactory* factory);
 
-    /** Ends the module's life: dlclose. Called by the destructor if not before. */
+    /** Ends the module's life: dlclose or FreeLibrary. Called by the destructor if not before. */
     void unload ();
 
-    /** The .so inside a bundle folder, or `path` itself if it is a file. */
+    /** The module file inside a bundle folder, or `path` itself if it is a file. */
     static std::string resolveSharedObject (const std::string& path);
 
 private:
+    /** <bundle>/Contents/<architecture>/<bundle's name><suffix>. */
+    static std::string moduleInBundle (const std::string& path, const char* architecture, const char* suffix);
+
     std::string soPath;
     std::string error_;
     void* handle = nullptr;
-    bool (*entry) (void*) = nullptr;
+    void* entryPoint = nullptr; // ModuleEntry, given the loader's handle; on Windows InitDll, given none
     bool (*exit) () = nullptr;
     Steinberg::IPluginFactory* (*factory) () = nullptr;
 };

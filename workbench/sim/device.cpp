@@ -89,7 +89,7 @@ void InsertSlot::setDisplayName (const std::string& name)
 const char16* PLUGIN_API InsertSlot::getDisplayName ()
 {
     CallLog::record (Side::Host, "IInsertSlot::getDisplayName", name ());
-    return displayName_.c_str ();
+    return units (displayName_);
 }
 
 FUnknown* PLUGIN_API InsertSlot::getPlugin ()

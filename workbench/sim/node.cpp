@@ -179,7 +179,7 @@ tresult PLUGIN_API Node::removeAttribute (const char* key)
 const char16* PLUGIN_API Node::getName ()
 {
     CallLog::record (Side::Host, "IProjectNode::getName", name ());
-    return rawName_.c_str ();
+    return units (rawName_);
 }
 
 TBool PLUGIN_API Node::isMuted ()

@@ -26,19 +26,19 @@ void ProductInfo::setRawString (int index, std::u16string text)
 const char16* PLUGIN_API ProductInfo::getProductString1 ()
 {
     CallLog::record (Side::Host, "IHostProductInfo::getProductString1", label ());
-    return strings_[0].c_str ();
+    return units (strings_[0]);
 }
 
 const char16* PLUGIN_API ProductInfo::getProductString2 ()
 {
     CallLog::record (Side::Host, "IHostProductInfo::getProductString2", label ());
-    return strings_[1].c_str ();
+    return units (strings_[1]);
 }
 
 const char16* PLUGIN_API ProductInfo::getProductString3 ()
 {
     CallLog::record (Side::Host, "IHostProductInfo::getProductString3", label ());
-    return strings_[2].c_str ();
+    return units (strings_[2]);
 }
 
 bool ProductInfo::query (const TUID iid, void** obj)

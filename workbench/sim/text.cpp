@@ -35,7 +35,7 @@ std::string toU8 (const std::u16string& utf16)
 
 std::string toU8 (const Steinberg::char16* utf16)
 {
-    return utf16 ? toU8 (std::u16string (utf16)) : std::string ();
+    return utf16 ? toU8 (fromUnits (utf16)) : std::string ();
 }
 
 Steinberg::char16* newString16 (const std::u16string& text)

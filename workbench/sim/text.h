@@ -14,4 +14,15 @@ std::string toU8 (const Steinberg::char16* utf16);
 /** A new[]-allocated, zero-terminated copy, as the SDK's variant frees it. */
 Steinberg::char16* newString16 (const std::u16string& text);
 
+// The SDK's 16-bit unit is wchar_t on Windows and char16_t elsewhere; either way
+// it holds UTF-16, and the host's texts cross between the two here.
+inline const Steinberg::char16* units (const std::u16string& text)
+{
+    return reinterpret_cast<const Steinberg::char16*> (text.c_str ());
+}
+inline std::u16string fromUnits (const Steinberg::char16* text)
+{
+    return std::u16string (reinterpret_cast<const char16_t*> (text));
+}
+
 } // namespace Sim

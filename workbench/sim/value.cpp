@@ -46,7 +46,7 @@ Value Value::fromVariant (const FVariant& v)
     if (type & FVariant::kFloat)
         return Value (v.floatValue);
     if (type & FVariant::kString16)
-        return v.string16 ? Value (std::u16string (v.string16)) : Value (std::u16string ());
+        return v.string16 ? Value (fromUnits (v.string16)) : Value (std::u16string ());
     if (type & FVariant::kString8)
         return narrow (v.string8 ? std::string (v.string8) : std::string ());
     return {};
@@ -61,7 +61,7 @@ void Value::toVariant (FVariant& out, bool borrowed) const
         case 2: out.setFloat (std::get<2> (data_)); break;
         case 3:
             if (borrowed)
-                out.setString16 (std::get<3> (data_).c_str ());
+                out.setString16 (units (std::get<3> (data_)));
             else
             {
                 out.setString16 (newString16 (std::get<3> (data_)));
