@@ -209,7 +209,8 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     auto zip = [] (const std::string& path, const std::vector<std::pair<const char*, std::string>>& entries) {
         juce::ZipFile::Builder builder;
         for (const auto& [name, text] : entries)
-            builder.addEntry (new juce::MemoryInputStream (text.data (), text.size (), true), 9, name, {});
+            builder.addEntry (new juce::MemoryInputStream (text.data (), text.size (), true), 9, name,
+                              juce::Time (2024, 0, 1, 12, 0));  // zip times count from 1980
         juce::File (path).deleteFile ();
         juce::FileOutputStream out ((juce::File (path)));
         builder.writeToStream (out, nullptr);
