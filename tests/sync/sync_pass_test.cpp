@@ -4,8 +4,11 @@
 #include "agent/agent.h"
 #include "svs/svs_host_list.h"
 #include "workbench/sim/folder.h"
+#include "workbench/sim/call_log.h"
+#include "workbench/sim/edit.h"
 #include "workbench/sim/host_services.h"
 #include "workbench/sim/note.h"
+#include "workbench/sim/note_rows.h"
 #include "workbench/sim/part.h"
 #include "workbench/sim/project.h"
 #include "workbench/sim/project_manager.h"
@@ -127,13 +130,16 @@ TEST_F (AgentPass, TrackIdsAndHostObjectsFollowTheirPlugins)
     auto& midi = song.root ().addMidiTrack ("Keys", true);
     auto& choir = song.root ().addInstrumentTrack ("Choir");
     auto& choirSlot = choir.addSlot ("Slot 2", second.unknown ());
-    auto& copy = song.root ().addInstrumentTrack ("Copy");
-    copy.setAttr ("TrID", Sim::Value (int64_t {1}));  // a host's copy of a track brings the id along
     open ();
     EXPECT_EQ (track.attrInt ("TrID"), 1);
     EXPECT_EQ (piano.attrInt ("TrID"), 2);
     EXPECT_FALSE (midi.hasAttr ("TrID"));
     EXPECT_EQ (choir.attrInt ("TrID"), 3);
+    // A host's copy of a track brings the id along: the copy gets a new one.
+    auto& copy = song.root ().addInstrumentTrack ("Copy");
+    copy.setAttr ("TrID", Sim::Value (int64_t {1}));
+    host.projectManager ().refresh (song);
+    EXPECT_EQ (track.attrInt ("TrID"), 1);
     EXPECT_EQ (copy.attrInt ("TrID"), 4);
 
     // Moved: the same host object, and the plug-in is told of its new title.
@@ -172,6 +178,55 @@ TEST_F (AgentPass, TwoSynthesisersOnOneTrackHearTheSameNotes)
     ASSERT_EQ (second.notes ().size (), 3u);
     EXPECT_STREQ (second.notes ()[1].phonemes[0], "hh");
     EXPECT_EQ (n.setValueCalls (), 2) << "written once: the second plug-in finds the track unchanged";
+}
+
+TEST_F (AgentPass, EditsFollowTheHostsUndoAndAClosedProjectsStepRetires)
+{
+    auto& sung = part.addNote (1.0, 2.0, 60);
+    auto& chorus = song.root ().addInstrumentTrack ("Chorus");
+    chorus.addSlot ("Slot 1", second.unknown ());
+    auto& backing = chorus.addPart (0.0, 8.0).addNote (1.0, 2.0, 67, "la");
+    open ();
+    song.typeLyric (sung, "hello", hook ());
+    const auto before = Sim::rowsOf (second.notes ());
+    song.typeLyric (backing, "sky", hook ());
+    const auto after = Sim::rowsOf (second.notes ());
+    ASSERT_NE (after, before);
+    IEditStep* step = song.historyEntry (1)->context->steps ().at (0);
+
+    // An edit that changes nothing leaves no step, so the host drops it.
+    song.edit (hook (), nullptr);
+    EXPECT_EQ (song.historySize (), 2u);
+
+    // Undo: the host restores its notes, the step sends the stored list, the idle pass reads it back.
+    ASSERT_TRUE (song.undo ());
+    EXPECT_EQ (backing.lyric ().rfind ("la[", 0), 0u);
+    EXPECT_EQ (Sim::rowsOf (second.notes ()), before);
+    ASSERT_TRUE (song.redo ());
+    EXPECT_EQ (backing.lyric ().rfind ("sky[", 0), 0u);
+    EXPECT_EQ (Sim::rowsOf (second.notes ()), after);
+
+    // A redo while the project is busy: the follow-up pass gives up at once, so the synthesiser's list
+    // comes from the store alone.
+    ASSERT_TRUE (song.undo ());
+    song.setBusy (true);
+    Sim::CallLog::clear ();
+    ASSERT_TRUE (song.redo ());
+    EXPECT_EQ (Sim::rowsOf (second.notes ()), after);
+    EXPECT_EQ (Sim::CallLog::calls ().back (), "IHostProject::isBusy");
+    song.setBusy (false);
+
+    // Closed and opened again at its old address: the old step retires, Vocals hands the host null
+    // and Chorus makes a new step.
+    host.projectManager ().deactivate ();
+    host.projectManager ().removeProject (song);
+    open ();
+    Sim::CallLog::clear ();
+    song.typeLyric (sung, "world", hook ());
+    EXPECT_EQ (Sim::CallLog::count ("IProjectEditContext::addEditStep"), 2);
+    const auto reopened = song.historyEntry (song.historySize () - 1)->context->steps ();
+    ASSERT_EQ (reopened.size (), 1u);
+    EXPECT_NE (reopened[0], step);
 }
 
 TEST_F (AgentPass, TheIdlePassGivesUpWhileTheMutexIsHeld)
