@@ -105,32 +105,24 @@ TEST_F (AgentPass, ANotesMarksFromUntouchedToCleared)
     EXPECT_EQ (n2.lyric (), "[l ow]") << "lyrics stay";
 }
 
-TEST_F (AgentPass, MarksOnTracksWithoutASynthesiserAreCleared)
+TEST_F (AgentPass, OtherTracksLoseOurMarksAndHostObjectsFollowTheirPlugins)
 {
+    auto& piano = song.root ().addInstrumentTrack ("Piano");
+    auto& onlyLyph = piano.addPart (0.0, 4.0).addNote (0.0, 1.0, 60, "ka[k a]");
+    onlyLyph.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
     auto& midi = song.root ().addMidiTrack ("Keys", true);
     auto& copied = midi.addPart (0.0, 4.0).addNote (0.0, 1.0, 60, "ka[k a]");
     copied.setAttr ("svsn", Sim::Value (int64_t {1}));
     copied.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
-    auto& plain = song.root ().addInstrumentTrack ("Piano");
-    auto& onlyLyph = plain.addPart (0.0, 4.0).addNote (0.0, 1.0, 60, "ka[k a]");
-    onlyLyph.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
     auto& mine = part.addNote (0.0, 1.0, 60, "ka[k a]");
     mine.setAttr ("lyph", Sim::Value::text ("ka[k a]"));
-
+    auto& choir = song.root ().addInstrumentTrack ("Choir");
+    auto& choirSlot = choir.addSlot ("Slot 2", second.unknown ());
     open ();
     EXPECT_FALSE (copied.hasAttr ("svsn"));
     EXPECT_FALSE (copied.hasAttr ("lyph"));
     EXPECT_TRUE (onlyLyph.hasAttr ("lyph")) << "without a seen mark the stored lyric stays";
     EXPECT_TRUE (mine.hasAttr ("lyph"));
-}
-
-TEST_F (AgentPass, TrackIdsAndHostObjectsFollowTheirPlugins)
-{
-    auto& piano = song.root ().addInstrumentTrack ("Piano");
-    auto& midi = song.root ().addMidiTrack ("Keys", true);
-    auto& choir = song.root ().addInstrumentTrack ("Choir");
-    auto& choirSlot = choir.addSlot ("Slot 2", second.unknown ());
-    open ();
     EXPECT_EQ (track.attrInt ("TrID"), 1);
     EXPECT_EQ (piano.attrInt ("TrID"), 2);
     EXPECT_FALSE (midi.hasAttr ("TrID"));

@@ -172,7 +172,15 @@ TEST_F (Walks, TrackIdsAreWrittenWhileHeldAndContextsGoBeforeMarksAreCleared)
                                           "IProjectNode::removeAttribute Keys part 1 note 1"}));
 }
 
-using Collection = Fixture;
+/** One synthesiser on the track "Vocals". */
+struct Collection : Fixture
+{
+    Collection () { track.addSlot ("Slot 1", synth.unknown ()); }
+    std::vector<SequenceNote> notes () { return notesOf (synth); }
+
+    Sim::SvsPlugin synth;
+    Sim::Track& track = song.root ().addInstrumentTrack ("Vocals");
+};
 
 TEST_F (Collection, PartShiftInBothTimeDomains)
 {
@@ -180,36 +188,30 @@ TEST_F (Collection, PartShiftInBothTimeDomains)
     // a distance differs from the distance of two musical positions.
     song.time ().setTempo (120.0);
     song.time ().addTempoChange (2.0, 60.0);
-    Sim::SvsPlugin synth;
-    auto& track = song.root ().addInstrumentTrack ("Vocals");
-    track.addSlot ("Slot 1", synth.unknown ());
     auto& part = track.addPart (3.0, 10.0, 1.0);
     part.addNote (0.5, 0.75, 60);
 
     // 0.5 s is beat 1, the 2 s shift is 3 beats: beat 4 lies at 3.0 s; 0.75 s + shift = beat 4.5 at 3.5 s.
-    auto notes = notesOf (synth);
-    ASSERT_EQ (notes.size (), 1u);
-    EXPECT_DOUBLE_EQ (notes[0].start, 3.0);
-    EXPECT_DOUBLE_EQ (notes[0].end, 3.5);
-    EXPECT_FALSE (notes[0].muted);
+    auto found = notes ();
+    ASSERT_EQ (found.size (), 1u);
+    EXPECT_DOUBLE_EQ (found[0].start, 3.0);
+    EXPECT_DOUBLE_EQ (found[0].end, 3.5);
+    EXPECT_FALSE (found[0].muted);
 
     track.setTimeDomain (1);
-    notes = notesOf (synth);
-    ASSERT_EQ (notes.size (), 1u);
-    EXPECT_DOUBLE_EQ (notes[0].start, 2.5);
-    EXPECT_DOUBLE_EQ (notes[0].end, 2.75);
-    EXPECT_TRUE (notes[0].muted) << "starts before the part";
-    EXPECT_DOUBLE_EQ (notes[0].soundStart, 3.0);
+    found = notes ();
+    ASSERT_EQ (found.size (), 1u);
+    EXPECT_DOUBLE_EQ (found[0].start, 2.5);
+    EXPECT_DOUBLE_EQ (found[0].end, 2.75);
+    EXPECT_TRUE (found[0].muted) << "starts before the part";
+    EXPECT_DOUBLE_EQ (found[0].soundStart, 3.0);
 
     track.setTimeDomain (2);
-    EXPECT_TRUE (notesOf (synth).empty ());
+    EXPECT_TRUE (notes ().empty ());
 }
 
 TEST_F (Collection, MutingAtThePartsBounds)
 {
-    Sim::SvsPlugin synth;
-    auto& track = song.root ().addInstrumentTrack ("Vocals");
-    track.addSlot ("Slot 1", synth.unknown ());
     auto& part = track.addPart (2.0, 4.0);
     part.setTranspose (5);
     part.addNote (1.5, 2.5, 60);
@@ -218,45 +220,39 @@ TEST_F (Collection, MutingAtThePartsBounds)
     part.addNote (4.0, 4.5, 63);
     part.addNote (3.0, 3.5, 64).setMuted (true);
 
-    auto notes = notesOf (synth);
-    ASSERT_EQ (notes.size (), 5u);
+    auto found = notes ();
+    ASSERT_EQ (found.size (), 5u);
     const std::vector<bool> muted = {true, false, false, true, true};
-    for (size_t i = 0; i < notes.size (); ++i)
-        EXPECT_EQ (notes[i].muted, muted[i]) << i;
-    EXPECT_EQ (notes[0].soundStart, 2.0);
-    EXPECT_EQ (notes[0].start, 1.5);
-    EXPECT_EQ (notes[2].end, 4.5) << "ends are not cut at the part's end";
-    EXPECT_EQ (notes[1].transpose, 5);
+    for (size_t i = 0; i < found.size (); ++i)
+        EXPECT_EQ (found[i].muted, muted[i]) << i;
+    EXPECT_EQ (found[0].soundStart, 2.0);
+    EXPECT_EQ (found[0].start, 1.5);
+    EXPECT_EQ (found[2].end, 4.5) << "ends are not cut at the part's end";
+    EXPECT_EQ (found[1].transpose, 5);
 
     part.setMuted (true);
-    for (const auto& n : notesOf (synth))
+    for (const auto& n : notes ())
         EXPECT_TRUE (n.muted);
 }
 
 TEST_F (Collection, SortedOnlyWhenPartsOverlap)
 {
-    Sim::SvsPlugin synth;
-    auto& track = song.root ().addInstrumentTrack ("Vocals");
-    track.addSlot ("Slot 1", synth.unknown ());
     auto& first = track.addPart (0.0, 4.0);
     first.addNote (3.0, 3.5, 60);
     first.addNote (1.0, 1.5, 60);
     track.addPart (0.0, 100.0).setChildrenNull (true);  // no events: not in the overlap test
     auto& second = track.addPart (4.0, 8.0);
     second.addNote (5.0, 5.5, 60);
-    EXPECT_EQ (starts (notesOf (synth)), (std::vector<double> {3.0, 1.0, 5.0}));
+    EXPECT_EQ (starts (notes ()), (std::vector<double> {3.0, 1.0, 5.0}));
 
     second.setTimes (3.5, 8.0);
     second.setContentStart (3.5);
     second.addNote (3.6, 3.8, 60).setMuted (true);
-    EXPECT_EQ (starts (notesOf (synth)), (std::vector<double> {1.0, 3.0, 3.6, 5.0}));
+    EXPECT_EQ (starts (notes ()), (std::vector<double> {1.0, 3.0, 3.6, 5.0}));
 }
 
 TEST_F (Collection, LyricsAreDealtOverFollowingNotesWithinOnePart)
 {
-    Sim::SvsPlugin synth;
-    auto& track = song.root ().addInstrumentTrack ("Vocals");
-    track.addSlot ("Slot 1", synth.unknown ());
     auto& first = track.addPart (0.0, 4.0);
     first.addNote (0.0, 1.0, 60, "hello");
     first.addNote (1.0, 2.0, 60, "[k a]");  // its own hint gives way to the running word
@@ -266,28 +262,28 @@ TEST_F (Collection, LyricsAreDealtOverFollowingNotesWithinOnePart)
     auto& third = track.addPart (8.0, 12.0);
     third.addNote (8.0, 9.0, 60);
 
-    const auto notes = notesOf (synth);
-    ASSERT_EQ (notes.size (), 5u);
+    const auto found = notes ();
+    ASSERT_EQ (found.size (), 5u);
     const std::vector<std::pair<std::string, std::string>> expected = {
         {"hello[hh ah]", "hh ah"}, {"[l ow]", "l ow"}, {"", ""}, {"hello[hh ah]", "hh ah"}, {"", ""}};
-    for (size_t i = 0; i < notes.size (); ++i)
+    for (size_t i = 0; i < found.size (); ++i)
     {
-        EXPECT_EQ (notes[i].lyric, expected[i].first) << i;
-        EXPECT_EQ (notes[i].phoneme, expected[i].second) << i;
+        EXPECT_EQ (found[i].lyric, expected[i].first) << i;
+        EXPECT_EQ (found[i].phoneme, expected[i].second) << i;
     }
 
     // A word whose hint we wrote is not converted again: the note after it stays empty.
     auto& written = first.addNote (3.0, 3.5, 60, "hello[hh ah]");
     written.setAttr ("lyph", Sim::Value::text ("hello[hh ah]"));
     first.addNote (3.5, 3.9, 60);
-    const auto again = notesOf (synth);
+    const auto again = notes ();
     ASSERT_EQ (again.size (), 7u);
     EXPECT_EQ (again[3].lyric, "hello[hh ah]");
     EXPECT_EQ (again[4].lyric, "");
 
     // The word changed under the hint we wrote: it is converted again and dealt over the note after it.
     written.setText ("lyrics", "yellow[hh ah]");
-    EXPECT_EQ (notesOf (synth)[4].lyric, "[l ow]");
+    EXPECT_EQ (notes ()[4].lyric, "[l ow]");
 }
 
 } // namespace
