@@ -93,29 +93,6 @@ TEST(EmbeddedDictionary, HolderIsBuiltFromTheEmbeddedText)
     expectSameAsReference(all);
 }
 
-TEST(DictionaryGenerator, ConvertsCmuRows)
-{
-    DictionaryGeneratorStats stats;
-    const std::string text = generateDictionaryText("hello HH AH0 L OW1\n"
-                                                    "air_force EH R F AO R S\n"
-                                                    "airbus EH R B AH S\n"
-                                                    "absolve(3) AH B Z AA L V\n"
-                                                    "absolve AE B Z AA L V\n"
-                                                    "absolve(2) AE B S AA L V\n"
-                                                    "bogus B QQ\n"
-                                                    "hello HH EH L OW\n"
-                                                    "\n",
-                                                    &stats);
-    EXPECT_EQ(text, "absolve\tae b . z aa l v\tab . sol . ve\n"
-                    "absolve(1)\tae b . s aa l v\tab . sol . ve . (1)\n"
-                    "absolve(2)\tah b . z aa l v\tab . sol . ve . (2)\n"
-                    "airbus\teh r . b ah s\tair . bus\n"
-                    "air_force\teh r . f ao r s\tair . _for . ce\n"
-                    "hello\thh ah0 . l ow1\thel . lo");
-    EXPECT_EQ(stats.alternates, 2u);
-    EXPECT_EQ(stats.skipped, 3u); // unknown symbol, repeated word, blank line
-}
-
 // The committed text is exactly what the generator makes of the installed list.
 TEST(DictionaryGenerator, CommittedTextMatchesInstalledList)
 {

@@ -2,11 +2,8 @@
 #include "phoneme/letter_to_sound.h"
 
 #include <gtest/gtest.h>
-#include <re2/re2.h>
 
 #include <array>
-#include <random>
-#include <regex>
 
 using namespace Zelmor;
 using V = std::vector<std::string>;
@@ -75,11 +72,9 @@ TEST(Fallback, LettersToPhonemes)
         {"blorp", "blorp", "b l ao r p"},
         {"snarfle", "snar . fle", "s n aa r . f ah l"},
         {"aaa", "aa . a", "ae . ae . ah"},
-        {"flee", "fle . e", "f l iy"},
         {"table", "tab . le", "t ey . b ah l"},
         {"  Ph\xc3\xa9one7 ", "pho . ne", "f ow n"},  // case, stray characters and blanks go
         {"123", "", ""},
-        {"'''", "'''", ""},
     };
     for (const auto& [word, orthography, phonemes] : cases)
         EXPECT_EQ(lettersToPhonemes(word), std::make_pair(orthography, phonemes)) << word;
@@ -104,33 +99,4 @@ TEST(Fallback, SyllableCutters)
     };
     for (const auto& [text, pieces] : phonemes)
         EXPECT_EQ(syllabifyPhonemes(text), pieces) << text;
-}
-
-// The contexts must mean the same under ECMAScript as under RE2: run both on
-// every context over texts made of the letters the rules see.
-TEST(LetterToSoundRules, ExpressionsAgreeWithEcmaScript)
-{
-    std::vector<std::pair<std::regex, std::unique_ptr<re2::RE2>>> both;
-    for (const auto& rule : letterToSoundRules) {
-        if (rule.left[0])
-            both.emplace_back(std::regex(contextPattern(rule.left, false, true)),
-                              compileContext(rule.left, false, true));
-        if (rule.right[0])
-            both.emplace_back(std::regex(contextPattern(rule.right, true, false)),
-                              compileContext(rule.right, true, false));
-    }
-    ASSERT_EQ(both.size(), 272u);
-    std::vector<std::string> texts = {"", " ", " the", "e ", "ing ", "ely ", "sh", " sch", "ner "};
-    std::mt19937 random(7);
-    const std::string alphabet = "aeiouybcdghlmnrstxz' ";
-    for (int i = 0; i < 400; ++i) {
-        std::string text;
-        for (int len = random() % 8; len > 0; --len)
-            text += alphabet[random() % alphabet.size()];
-        texts.push_back(text);
-    }
-    for (const auto& [ecma, re2Expression] : both)
-        for (const auto& text : texts)
-            ASSERT_EQ(std::regex_search(text, ecma), re2::RE2::PartialMatch(text, *re2Expression))
-                << re2Expression->pattern() << " on '" << text << "'";
 }

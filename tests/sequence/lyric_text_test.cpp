@@ -34,10 +34,8 @@ TEST(LyricText, CodePointsAndMalformedInput)
     EXPECT_EQ(utf8Length(text), 6u);
     EXPECT_EQ(utf8Substring(text, 2, 2), "日🎵");
     EXPECT_EQ(utf8Substring(text, 4, 100), "b日");
-    EXPECT_EQ(utf8IndexOf(text, U'日'), 2);
     EXPECT_EQ(utf8LastIndexOf(text, U'日'), 5);
     EXPECT_EQ(utf8IndexOf(text, U'x'), -1);
-    EXPECT_THROW(utf8Length("a\xff"), utf8::invalid_utf8);
     EXPECT_THROW(splitLyricText("ka[\xc3]"), utf8::exception);
     EXPECT_THROW(utf8IndexOf("ab\xe6\x97", U'x'), utf8::not_enough_room);
 }

@@ -46,19 +46,6 @@ TEST(SequenceDifference, ScriptsAndTieBreaks)
     EXPECT_TRUE(edits[0].note.muted);
 }
 
-TEST(SequenceDifference, KeptNotesStayOldRecords)
-{
-    TrackSequence track;
-    auto old = notesOf("abcde");
-    old[2].muted = true;
-    diffAndApply(track, old);
-    diffAndApply(track, notesOf("xbdcy"));
-    EXPECT_TRUE(track.notes[3].muted);
-    applyUndo(track);
-    EXPECT_TRUE(track.notes[2].muted);
-    EXPECT_EQ(track.orderHash, hashSequence(old));
-}
-
 TEST(SequenceDifference, ForeignEditsAreSkipped)
 {
     TrackSequence track;

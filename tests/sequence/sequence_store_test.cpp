@@ -12,22 +12,12 @@ const std::vector<SequenceNote> kAB = {makeNote(0, "a", 1), makeNote(1, "b", 2)}
 const std::vector<SequenceNote> kBA = {kAB[1], kAB[0]};
 }
 
-TEST(SequenceStore, NoChangeDetection)
+// The order hash only speeds the compare up: a collision must still count as a change.
+TEST(SequenceStore, AForgedHashCollisionIsStillAChange)
 {
     SequenceStore store;
     bool pending = false;
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", {})); // first sight counts
-    EXPECT_FALSE(recordSequence(store, pending, 1, "A", {}));
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", kAB));
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", kBA));
-    EXPECT_EQ(store.history.size(), 3u);
-
-    auto muted = kBA;
-    muted[0].muted = true;
-    EXPECT_FALSE(recordSequence(store, pending, 1, "A", muted));
-    EXPECT_FALSE(store.tracks.at(1).notes[0].muted);
-
-    // A forged hash collision is still caught by the pairwise compare.
+    recordSequence(store, pending, 1, "A", kBA);
     store.tracks.at(1).orderHash = hashSequence(kAB);
     EXPECT_TRUE(recordSequence(store, pending, 1, "A", kAB));
 }

@@ -100,18 +100,14 @@ TEST (SVSHost, WriteAndReadSequence)
     SVSHostImpl host;
     SequenceSink sink;
     host.setSequenceSink (&sink);
-    SVSNoteListImpl target;
-    EXPECT_EQ (host.readSequence (&target), 0);
-    EXPECT_EQ (target.size (), 0);
-
-    SVSNoteListImpl source;
+    SVSNoteListImpl target, source;
     SVS::SVSNote a = recordAt (0.0, 1.0), b = recordAt (1.0, 2.0);
     source.addNote (&a);
     source.addNote (&b);
     EXPECT_EQ (host.writeSequence (&source), 0);
     EXPECT_EQ (source.referenceCount (), 0) << "a stack list's count stays untouched";
     EXPECT_EQ (sink.calls, 1);
-    host.readSequence (&target);
+    EXPECT_EQ (host.readSequence (&target), 0);
     host.readSequence (&target);
     ASSERT_EQ (target.size (), 4) << "reads append";
     EXPECT_EQ (target.records ()[3].endTime, 2.0);

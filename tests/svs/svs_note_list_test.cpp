@@ -19,8 +19,6 @@ TEST (SVSNoteList, QueryInterfaceAndReferenceCount)
     EXPECT_EQ (list->queryInterface (SVS::IHost::iid, &out), -1);
     EXPECT_EQ (out, nullptr);
     EXPECT_EQ (list->referenceCount (), 2) << "from 0, one per successful query";
-    EXPECT_EQ (list->addRef (), 3u);
-    EXPECT_EQ (list->release (), 2u);
     list->release ();
     EXPECT_EQ (list->release (), 0u);  // deleted here; sanitiser builds check it
 }
