@@ -3,17 +3,12 @@
 // pass beside a held mutex, and errors that leave a pass.
 #include "agent/agent.h"
 #include "svs/svs_host_list.h"
-#include "workbench/sim/folder.h"
 #include "workbench/sim/call_log.h"
-#include "workbench/sim/edit.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/note.h"
 #include "workbench/sim/note_rows.h"
-#include "workbench/sim/part.h"
 #include "workbench/sim/project.h"
 #include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
-#include "workbench/sim/track.h"
 #include "workbench/sim/tracker.h"
 
 #include <gtest/gtest.h>
@@ -192,10 +187,8 @@ TEST_F (AgentPass, EditsFollowTheHostsUndoAndAClosedProjectsStepRetires)
 
     // Undo: the host restores its notes, the step sends the stored list, the idle pass reads it back.
     ASSERT_TRUE (song.undo ());
-    EXPECT_EQ (backing.lyric ().rfind ("la[", 0), 0u);
     EXPECT_EQ (Sim::rowsOf (second.notes ()), before);
     ASSERT_TRUE (song.redo ());
-    EXPECT_EQ (backing.lyric ().rfind ("sky[", 0), 0u);
     EXPECT_EQ (Sim::rowsOf (second.notes ()), after);
 
     // A redo while the project is busy: the follow-up pass gives up at once, so the synthesiser's list

@@ -4,15 +4,10 @@
 #include "sync/project_walk.h"
 #include "sync/track_identity.h"
 #include "workbench/sim/call_log.h"
-#include "workbench/sim/device.h"
-#include "workbench/sim/folder.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/note.h"
-#include "workbench/sim/part.h"
 #include "workbench/sim/project.h"
 #include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
-#include "workbench/sim/track.h"
 
 #include <gtest/gtest.h>
 
