@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 #include <map>
 #include <random>
 
@@ -76,7 +75,6 @@ void expectAgree(const SequenceStore& store, const Model& model)
 TEST(SequenceStoreRandom, AgreesWithSnapshotModel)
 {
     const uint32_t baseSeed = 20240611u;
-    std::cout << "random store runs from seed " << baseSeed << std::endl;
     for (uint32_t seed = baseSeed; seed < baseSeed + 300; ++seed) {
         std::mt19937 rng(seed);
         SequenceStore store;

@@ -89,7 +89,6 @@ TEST (NoteListBuilder, PhonemeTokens)
 
     records = buildSvsNotes ({note (0.0, 1.0, 60, " \t ")});
     EXPECT_EQ (slot (records[0], 0), "ah");
-    EXPECT_EQ (records[0].phonemeParams[0], -1);
 
     records = buildSvsNotes ({note (0.0, 1.0, 60, "a b c d e f g h i"), note (1.0, 2.0, 60, "-")});
     EXPECT_EQ (records[0].phonemeCount, 8);
