@@ -81,7 +81,6 @@ protected:
 TEST_F (EditStepTest, QueriesAnswerWithoutAFace)
 {
     pass (song, nullptr);
-    ASSERT_EQ (steps.steps.size (), 1u);
     int marker = 0;
     void* out = &marker;
     const TUID anything = INLINE_UID (1, 2, 3, 4);
@@ -162,10 +161,6 @@ TEST_F (EditStepTest, RecordingFollowsTheHostsEdits)
     pass (song, nullptr);
     ASSERT_EQ (steps.steps.size (), 1u);
     EXPECT_EQ (store ().tracks.size (), 1u);  // only the first track visited
-
-    sung.setText ("lyrics", "ki");
-    pass (song, nullptr);
-    EXPECT_EQ (store ().history.size (), 1u);  // a step exists: no edit, no record
 
     // Vocals changed and Chorus is seen for the first time: the one step, twice.
     Sim::EditContext& both = edit (song, [&] { sung.setText ("lyrics", "ko"); });
