@@ -168,7 +168,8 @@ TEST_F (EditStepTest, RecordingFollowsTheHostsEdits)
     EXPECT_EQ (store ().history, (std::vector<int32_t> {1, 1, 2}));
     EXPECT_EQ (backing.attrText ("lyph"), backing.lyric ());
 
-    // Each synthesiser hears its list first; a changed track's step enters the edit before its notes are written.
+    // Each synthesiser hears its list first; a changed track's step enters the edit
+    // before its notes are written.
     Sim::CallLog::clear ();
     edit (song, [&] { sung.setText ("lyrics", "sa"); });
     EXPECT_EQ (Sim::CallLog::trace ({"ISvsSequenceSink::sequenceChanged", "IProjectEditContext::addEditStep",
