@@ -115,6 +115,7 @@ TEST_F (AgentPass, OtherTracksLoseOurMarksAndHostObjectsFollowTheirPlugins)
     auto& choir = song.root ().addInstrumentTrack ("Choir");
     auto& choirSlot = choir.addSlot ("Slot 2", second.unknown ());
     open ();
+    // A note copied from a synthesiser's track loses our marks; instrument tracks get ids in walk order.
     EXPECT_FALSE (copied.hasAttr ("svsn"));
     EXPECT_FALSE (copied.hasAttr ("lyph"));
     EXPECT_TRUE (onlyLyph.hasAttr ("lyph")) << "without a seen mark the stored lyric stays";
