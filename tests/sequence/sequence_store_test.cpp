@@ -12,22 +12,12 @@ const std::vector<SequenceNote> kAB = {makeNote(0, "a", 1), makeNote(1, "b", 2)}
 const std::vector<SequenceNote> kBA = {kAB[1], kAB[0]};
 }
 
-TEST(SequenceStore, NoChangeDetection)
+// The order hash only speeds the compare up: a collision must still count as a change.
+TEST(SequenceStore, AForgedHashCollisionIsStillAChange)
 {
     SequenceStore store;
     bool pending = false;
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", {})); // first sight counts
-    EXPECT_FALSE(recordSequence(store, pending, 1, "A", {}));
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", kAB));
-    EXPECT_TRUE(recordSequence(store, pending, 1, "A", kBA));
-    EXPECT_EQ(store.history.size(), 3u);
-
-    auto muted = kBA;
-    muted[0].muted = true;
-    EXPECT_FALSE(recordSequence(store, pending, 1, "A", muted));
-    EXPECT_FALSE(store.tracks.at(1).notes[0].muted);
-
-    // A forged hash collision is still caught by the pairwise compare.
+    recordSequence(store, pending, 1, "A", kBA);
     store.tracks.at(1).orderHash = hashSequence(kAB);
     EXPECT_TRUE(recordSequence(store, pending, 1, "A", kAB));
 }
@@ -41,7 +31,6 @@ TEST(SequenceStore, NewChangeCutsUndoneHistoryOfAllTracks)
     recordSequence(store, pending, 2, "B1", kBA);
     undoStore(store);
     undoStore(store);
-    EXPECT_EQ(store.currentTrackId, 1);
     EXPECT_EQ(store.cursor, 0);
 
     recordSequence(store, pending, 1, "A3", kBA);
@@ -60,12 +49,7 @@ TEST(SequenceStore, HostErrorsSurfaceAsOutOfRange)
     SequenceStore store;
     bool pending = false;
     EXPECT_THROW(undoStore(store), std::out_of_range);
-    try {
-        currentSequence(store);
-        FAIL();
-    } catch (const std::out_of_range& e) {
-        EXPECT_STREQ(e.what(), "map::at:  key not found");
-    }
+    EXPECT_THROW(currentSequence(store), std::out_of_range);
     // A history entry whose track is gone: current moves, the cursor stays.
     recordSequence(store, pending, 4, "D", kAB);
     store.tracks.erase(4);

@@ -9,7 +9,6 @@
 #include "workbench/sim/project.h"
 #include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
-#include "workbench/sim/tracker.h"
 
 #include <gtest/gtest.h>
 
@@ -21,13 +20,13 @@ using namespace Steinberg;
 
 namespace {
 
+/** Into the call log, where its calls fall in order with what the synthesisers hear. */
 struct TraceListener : Zelmor::ISequenceEditStepUndoRedoListener
 {
-    std::vector<std::string> events;
-    void willUndo () override { events.push_back ("willUndo"); }
-    void didUndo () override { events.push_back ("didUndo"); }
-    void willRedo () override { events.push_back ("willRedo"); }
-    void didRedo () override { events.push_back ("didRedo"); }
+    void willUndo () override { Sim::CallLog::record (Sim::Side::Agent, "willUndo"); }
+    void didUndo () override { Sim::CallLog::record (Sim::Side::Agent, "didUndo"); }
+    void willRedo () override { Sim::CallLog::record (Sim::Side::Agent, "willRedo"); }
+    void didRedo () override { Sim::CallLog::record (Sim::Side::Agent, "didRedo"); }
 };
 
 class EditStepTest : public ::testing::Test
@@ -35,7 +34,6 @@ class EditStepTest : public ::testing::Test
 protected:
     EditStepTest ()
     {
-        Sim::Tracker::reset ();
         Sim::CallLog::clear ();
         steps.listener = &trace;
         steps.trackSender = &Zelmor::sendCurrentTrack;
@@ -80,23 +78,14 @@ protected:
     Zelmor::SequenceEditStepManager steps;
 };
 
-TEST_F (EditStepTest, HostCountingAndQueriesNeverTouchTheStepsLife)
+TEST_F (EditStepTest, QueriesAnswerWithoutAFace)
 {
     pass (song, nullptr);
-    ASSERT_EQ (steps.steps.size (), 1u);
-    EXPECT_EQ (step ().addRef (), 1u);
-    EXPECT_EQ (step ().addRef (), 2u);
-    EXPECT_EQ (step ().release (), 1u);
-    EXPECT_EQ (step ().release (), 0u);
-    EXPECT_EQ (step ().addRef (), 1u);  // still the same live object
-    EXPECT_EQ (step ().refCount, 1u);
-
     int marker = 0;
     void* out = &marker;
     const TUID anything = INLINE_UID (1, 2, 3, 4);
     EXPECT_EQ (step ().queryInterface (anything, &out), kResultOk);
     EXPECT_EQ (out, &marker);
-    EXPECT_EQ (step ().getStepState (), kResultOk);
 }
 
 TEST_F (EditStepTest, ReportChangePassesAPendingChangeOnOnce)
@@ -106,7 +95,6 @@ TEST_F (EditStepTest, ReportChangePassesAPendingChangeOnOnce)
     step ().pending = false;
     EXPECT_EQ (step ().reportChange (&sink), kResultOk);
     EXPECT_TRUE (sink.marked ().empty ());
-    EXPECT_EQ (Sim::CallLog::count ("IStepChangeSink::markChanged"), 0);
 
     step ().pending = true;
     step ().reportChange (&sink);
@@ -126,23 +114,24 @@ TEST_F (EditStepTest, UndoOfAnEmptyFirstSightMovesTheCursorsAndSendsTheStoredNot
     vocalPart.addNote (1.0, 2.0, 60, "ka");
     pass (song, nullptr);  // sent, not recorded
     ASSERT_FALSE (vocalSynth.notes ().empty ());
-    const int told = vocalSynth.sequenceChangedCalls ();
 
-    trace.events.clear ();
+    Sim::CallLog::clear ();
     step ().undo ();
     EXPECT_EQ (store ().cursor, -1);
     EXPECT_EQ (store ().stepNames.at (1).cursor, -1);
-    EXPECT_EQ (store ().currentTrackId, 1);
-    EXPECT_EQ (vocalSynth.sequenceChangedCalls (), told + 1);
     EXPECT_TRUE (vocalSynth.notes ().empty ());
-    EXPECT_EQ (trace.events, (std::vector<std::string> {"willUndo", "didUndo"}));
+    // The synthesiser has the restored notes before the listener hears that the undo is done.
+    const std::initializer_list<const char*> heard {"willUndo", "ISvsSequenceSink::sequenceChanged", "didUndo",
+                                                    "willRedo", "didRedo"};
+    EXPECT_EQ (Sim::CallLog::only (heard),
+               (std::vector<std::string> {"willUndo", "ISvsSequenceSink::sequenceChanged", "didUndo"}));
 
     // Beyond either end of the history there is nothing to move, and the host hears no exception.
     step ().undo ();
     step ().redo ();
     step ().redo ();
     EXPECT_EQ (store ().cursor, 0);
-    EXPECT_EQ (trace.events.size (), 4u);
+    EXPECT_EQ (Sim::CallLog::only (heard).size (), 6u);
 }
 
 TEST_F (EditStepTest, UndoAndRedoOfAnInactiveProjectMoveOnlyTheStore)
@@ -151,19 +140,16 @@ TEST_F (EditStepTest, UndoAndRedoOfAnInactiveProjectMoveOnlyTheStore)
     pass (song, nullptr);
     edit (song, [&] { note.setText ("lyrics", "ki"); });
     ASSERT_EQ (store ().history, (std::vector<int32_t> {1, 1, 2}));  // Vocals, then the empty Chorus
-    const auto written = store ().tracks.at (1).notes;
 
     Sim::Project& other = projects.createProject ("Other");
     projects.activate (other);
     const int told = vocalSynth.sequenceChangedCalls () + chorusSynth.sequenceChangedCalls ();
     step ().undo ();
     step ().undo ();
-    EXPECT_EQ (store ().cursor, 0);
     EXPECT_EQ (store ().tracks.at (1).notes.at (0).lyric.rfind ("ka", 0), 0u);
     step ().redo ();
     step ().redo ();
     EXPECT_EQ (store ().cursor, 2);
-    EXPECT_TRUE (Zelmor::equals (store ().tracks.at (1).notes.at (0), written.at (0)));
     EXPECT_EQ (vocalSynth.sequenceChangedCalls () + chorusSynth.sequenceChangedCalls (), told);
 }
 
@@ -174,30 +160,24 @@ TEST_F (EditStepTest, RecordingFollowsTheHostsEdits)
     pass (song, nullptr);
     ASSERT_EQ (steps.steps.size (), 1u);
     EXPECT_EQ (store ().tracks.size (), 1u);  // only the first track visited
-    EXPECT_EQ (store ().tracks.count (1), 1u);
-    EXPECT_FALSE (sung.hasAttr ("lyph"));  // nothing written without an edit
-
-    sung.setText ("lyrics", "ki");
-    pass (song, nullptr);
-    EXPECT_EQ (store ().history.size (), 1u);  // a step exists: no edit, no record
 
     // Vocals changed and Chorus is seen for the first time: the one step, twice.
     Sim::EditContext& both = edit (song, [&] { sung.setText ("lyrics", "ko"); });
     EXPECT_EQ (both.steps (), (std::vector<IEditStep*> {&step (), &step ()}));
     EXPECT_EQ (store ().history, (std::vector<int32_t> {1, 1, 2}));
     EXPECT_EQ (backing.attrText ("lyph"), backing.lyric ());
-    EXPECT_EQ (backing.attrInt ("svsn"), 1);
 
-    const int backingWrites = backing.setValueCalls ();
-    Sim::EditContext& one = edit (song, [&] { sung.setText ("lyrics", "sa"); });
-    EXPECT_EQ (one.steps ().size (), 1u);
-    EXPECT_EQ (backing.setValueCalls (), backingWrites);
-
-    // Both undos of the two-track edit, newest first.
-    ASSERT_TRUE (song.undo ());
-    ASSERT_TRUE (song.undo ());
-    EXPECT_EQ (store ().cursor, 0);
-    EXPECT_EQ (store ().currentTrackId, 1);
+    // Each synthesiser hears its list first; a changed track's step enters the edit
+    // before its notes are written.
+    Sim::CallLog::clear ();
+    edit (song, [&] { sung.setText ("lyrics", "sa"); });
+    EXPECT_EQ (Sim::CallLog::trace ({"ISvsSequenceSink::sequenceChanged", "IProjectEditContext::addEditStep",
+                                     "INoteText::setValue"}),
+               (std::vector<std::string> {"ISvsSequenceSink::sequenceChanged vocal synth",
+                                          "IProjectEditContext::addEditStep edit",
+                                          "INoteText::setValue Vocals part 1 note 1",
+                                          "INoteText::setValue Vocals part 1 note 1",
+                                          "ISvsSequenceSink::sequenceChanged chorus synth"}));
 }
 
 TEST_F (EditStepTest, AClosedProjectsStepIsRetiredByTheNextRecording)
@@ -215,14 +195,11 @@ TEST_F (EditStepTest, AClosedProjectsStepIsRetiredByTheNextRecording)
     Sim::EditContext& context = edit (song, [&] { sung.setText ("lyrics", "ko"); });
     EXPECT_EQ (old->refCount, 0u);
     EXPECT_EQ (old->project, nullptr);
-    EXPECT_EQ (old->svsHosts, nullptr);
-    EXPECT_TRUE (old->closed);
     EXPECT_EQ (old->store->history, (std::vector<int32_t> {1}));  // recorded anew into the reset store
     ASSERT_EQ (steps.steps.size (), 2u);
     // Vocals handed null to the host; Chorus found no step and made one.
     EXPECT_EQ (Sim::CallLog::count ("IProjectEditContext::addEditStep"), 2);
     EXPECT_EQ (context.steps (), (std::vector<IEditStep*> {steps.steps[1].get ()}));
-    EXPECT_EQ (steps.steps[1]->project, song.hostProject ());
 }
 
 } // namespace
