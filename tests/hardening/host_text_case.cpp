@@ -5,14 +5,9 @@
 #include "sync/plugin_binding.h"
 #include "sync/sync_pass.h"
 #include "workbench/sim/call_log.h"
-#include "workbench/sim/folder.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/note.h"
-#include "workbench/sim/part.h"
 #include "workbench/sim/project.h"
-#include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
-#include "workbench/sim/track.h"
 #include "workbench/sim/tracker.h"
 
 #include <utf8.h>

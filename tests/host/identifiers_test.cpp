@@ -48,18 +48,17 @@ std::string inMemoryOrder (const std::string& bytes)
         EXPECT_EQ (hex (loaded), inMemoryOrder (bytes)) << #Interface;       \
     } while (0)
 
-TEST (Identifiers, Services)
+TEST (Identifiers, AreTheAgreedBytes)
 {
+    // The host's services.
     EXPECT_IID (IHostServices, "EE C8 96 83 80 DB 43 36 91 77 27 3E 13 8A 76 3B");
     EXPECT_IID (IHostProductInfo, "A8 E1 A5 2A 8E 24 41 6A B9 59 21 74 24 43 FB 74");
     EXPECT_IID (IActionHandlerRegistry, "76 2F 3F 61 11 D1 41 15 92 F9 7A C6 F2 39 46 0F");
     EXPECT_IID (IModuleUnloadSink, "A4 2A 91 19 16 1E 45 47 98 A2 6F B7 69 14 0E 24");
     EXPECT_IID (IIdleHandlerRegistry, "9E 87 18 47 F1 AB 47 76 A0 6C 6F 94 5D 7F DD 4D");
     EXPECT_IID (IProjectManager, "3D 7C 28 13 8A BF 4A AE A2 3A 11 BF 37 21 4C 36");
-}
 
-TEST (Identifiers, FacesTheAgentImplements)
-{
+    // The faces the agent implements.
     EXPECT_IID (IActionHandler, "9F C1 7B EB 3A 51 40 77 A2 5A 77 26 D3 D3 D7 11");
     EXPECT_IID (IIdleHandler, "D7 0B BB 58 C8 05 45 B8 AB 82 64 18 0B 67 3A 84");
     EXPECT_IID (IProjectNotification, "98 F6 9A C5 57 8D 4A 22 B8 E0 27 81 C0 6C FF 25");
@@ -67,10 +66,8 @@ TEST (Identifiers, FacesTheAgentImplements)
     EXPECT_IID (IProjectNotification3, "04 A1 D4 38 48 2A 4D 8C 8C A7 6E D5 06 40 A9 14");
     EXPECT_IID (IProjectStorageNotification, "D3 61 D3 32 60 4A 4D F7 83 B1 7B 91 A3 51 84 DB");
     EXPECT_IID (IProjectEditHook, "ED C5 AF 8F AA BD 46 E8 B8 68 39 CF E1 4C AB 1F");
-}
 
-TEST (Identifiers, ProjectModelAndPlugin)
-{
+    // The project model and the synthesiser plug-in as the host holds it.
     EXPECT_IID (IProjectNode, "7A 6F 99 9F BD BC 4B CC AC 40 3D AB AC E8 A1 71");
     EXPECT_IID (ITrackNode, "78 49 F1 7E 12 12 49 B2 82 F6 24 25 BA CC 5E 5A");
     EXPECT_IID (IInsertSlot, "AA 9B D1 AE 0E F9 42 29 B7 9F 96 F0 A9 BB 03 1D");
@@ -82,10 +79,8 @@ TEST (Identifiers, ProjectModelAndPlugin)
     EXPECT_IID (IEditAnchor, "50 6D DF 3C 71 9D 4A 51 83 8C 68 43 00 2C 2B EC");
     EXPECT_IID (ISvsTitleSink, "FF A1 59 AA 5B E9 4F EB 98 DF FE A8 F6 25 FB 55");
     EXPECT_IID (ISvsSequenceSink, "91 A2 71 1B 0F 26 46 1E B8 82 D4 BB 94 BC 1F 1E");
-}
 
-TEST (Identifiers, SynthesiserInterfaces)
-{
+    // What a synthesiser asks of the SVS host object.
     using namespace SVS;
     EXPECT_IID (IHost, "55 D1 F9 15 06 53 4B 40 99 5B E9 02 56 6F D1 B9");
     EXPECT_IID (IHostContextProvider, "9A 4A 7F 18 99 C3 46 7E AF 22 42 9D A7 36 36 5E");

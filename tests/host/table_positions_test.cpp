@@ -37,11 +37,9 @@ long positionOf (F C::*member)
 #define EXPECT_POSITION(Interface, op, position) \
     EXPECT_EQ (positionOf (&Interface::op), position) << #Interface "::" #op
 
-TEST (TablePositions, Services)
+TEST (TablePositions, AreTheAgreedOnes)
 {
-    EXPECT_POSITION (IHostServices, queryInterface, 0);
-    EXPECT_POSITION (IHostServices, addRef, 1);
-    EXPECT_POSITION (IHostServices, release, 2);
+    // The host's services.
     EXPECT_POSITION (IHostServices, getService, 3);
     EXPECT_POSITION (IHostProductInfo, getProductString1, 3);
     EXPECT_POSITION (IHostProductInfo, getProductString2, 4);
@@ -56,10 +54,8 @@ TEST (TablePositions, Services)
     EXPECT_POSITION (IProjectManager, getActiveProject, 5);
     EXPECT_POSITION (IProjectManager, addNotification, 6);
     EXPECT_POSITION (IProjectManager, removeNotification, 7);
-}
 
-TEST (TablePositions, FacesTheAgentImplements)
-{
+    // The faces the agent implements.
     EXPECT_POSITION (IActionHandler, handleAction, 3);
     EXPECT_POSITION (IIdleHandler, onIdle, 3);
     EXPECT_POSITION (IProjectNotification3, onProjectActivated, 3);
@@ -71,16 +67,13 @@ TEST (TablePositions, FacesTheAgentImplements)
     EXPECT_POSITION (IProjectNotification3, onProjectRefresh, 9);
     EXPECT_POSITION (IProjectStorageNotification, onProjectStorage, 3);
     EXPECT_POSITION (IProjectEditHook, onProjectEdit, 3);
-    EXPECT_POSITION (IEditStep, queryInterface, 0);
     EXPECT_POSITION (IEditStep, getStepState, 3);
     EXPECT_POSITION (IEditStep, undo, 4);
     EXPECT_POSITION (IEditStep, redo, 5);
     EXPECT_POSITION (IEditStep, reportChange, 6);
     EXPECT_POSITION (IStepChangeSink, markChanged, 5);
-}
 
-TEST (TablePositions, ProjectModel)
-{
+    // The project model.
     EXPECT_POSITION (IHostProject, getContext, 16);
     EXPECT_POSITION (IHostProject, isBusy, 18);
     EXPECT_POSITION (IHostProject, addStorageNotification, 19);
@@ -113,10 +106,8 @@ TEST (TablePositions, ProjectModel)
     EXPECT_POSITION (INoteText, setValue, 5);
     EXPECT_POSITION (INoteText, getValue, 6);
     EXPECT_POSITION (IProjectEditContext, addEditStep, 13);
-}
 
-TEST (TablePositions, SynthesiserSide)
-{
+    // The synthesiser's side.
     EXPECT_POSITION (ISvsPlugin, setHost, 3);
     EXPECT_POSITION (ISvsPlugin, attach, 4);
     EXPECT_POSITION (ISvsPlugin, isAttached, 5);
