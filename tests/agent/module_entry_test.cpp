@@ -60,19 +60,4 @@ TEST (ModuleEntry, CountsEntriesAndReleasesEveryHandleAtTheLastExit)
     Kt::setModulePlatform (nullptr);
 }
 
-TEST (LoaderPlatform, CountsRetainsPerHandle)
-{
-    const auto& platform = Kt::modulePlatform ();
-    platform.retain (handle (0x1001));
-    platform.retain (handle (0x1001));
-    platform.retain (handle (0x1002));
-    platform.release (handle (0x1001));
-    EXPECT_EQ (Kt::retainCountOf (handle (0x1001)), 1);
-    EXPECT_EQ (Kt::retainCountOf (handle (0x1002)), 1);
-    platform.release (handle (0x1001));
-    platform.release (handle (0x1002));
-    EXPECT_EQ (Kt::retainCountOf (handle (0x1001)), 0);
-    EXPECT_EQ (Kt::retainCountOf (handle (0x1002)), 0);
-}
-
 } // namespace

@@ -2,10 +2,8 @@
 // factory, its query table, and initialize and terminate. The whole life of an agent
 // with a project is in tests/hardening/module_cycles_test.cpp, two hundred times over.
 #include "host/agent_interfaces.h"
-#include "host/service_interfaces.h"
 #include "workbench/loader/module_loader.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/project_manager.h"
 #include "workbench/sim/tracker.h"
 
 #include <gtest/gtest.h>

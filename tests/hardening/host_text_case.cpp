@@ -20,7 +20,7 @@ namespace Hardening {
 namespace {
 
 // Far past any fixed buffer or the longest dictionary entry, small enough to keep a fuzz run
-// at hundreds of cases a second; the random test takes texts of 65536 units on its own.
+// at hundreds of cases a second; host_text_test.cpp takes texts of 65536 units on its own.
 constexpr std::size_t kMaxRepeatUnits = 1 << 13;
 constexpr int kNotes = 4;
 

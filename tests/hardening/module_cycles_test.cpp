@@ -13,10 +13,10 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -32,16 +32,10 @@ using namespace Steinberg;
 
 namespace {
 
-int openDescriptors ()
+long openDescriptors ()
 {
-    int count = 0;
-    if (DIR* dir = opendir ("/proc/self/fd"))
-    {
-        while (readdir (dir))
-            ++count;
-        closedir (dir);
-    }
-    return count;
+    const std::filesystem::directory_iterator descriptors ("/proc/self/fd");
+    return std::distance (begin (descriptors), end (descriptors));
 }
 
 /** Whether the module's file is still mapped into the process. */
@@ -63,8 +57,9 @@ long residentKiB ()
     return resident * (sysconf (_SC_PAGESIZE) / 1024);
 }
 
-/** One life of the module, checked as a host sees it; a host that quits with its project open. */
-void oneLife ()
+/** One life of the module, checked as a host sees it; the host closes its project before the agent's
+    terminate, or quits with the project open. */
+void oneLife (bool closeFirst)
 {
     Sim::LoadedModule module (CANTORELA_MODULE_PATH);
     ASSERT_TRUE (module.ok ()) << module.error ();
@@ -90,8 +85,6 @@ void oneLife ()
         manager.addProject (song);
         manager.activate (song);
         EXPECT_EQ (track.attrInt ("TrID"), 1);
-        EXPECT_EQ (synth.setHostCalls (), 1);
-        EXPECT_EQ (synth.title (), "Cantorela Beta Agent: Song - Slot 1 - Vocals");
         EXPECT_EQ (song.typeLyric (second, "sky", agent), kResultOk);
         // A word from no dictionary: the letter-to-sound rules and their regex library run in every life.
         EXPECT_EQ (song.typeLyric (first, "morning glorptastic", agent), kResultOk);
@@ -103,6 +96,11 @@ void oneLife ()
         EXPECT_EQ (Sim::CallLog::hostCalls (), hostCalls) << "an idle pass before its interval was up";
         manager.refresh (song);
         EXPECT_FALSE (synth.notes ().empty ());
+        if (closeFirst)
+        {
+            manager.deactivate ();
+            manager.removeProject (song);
+        }
 
         EXPECT_EQ (agent->terminate (), kResultOk);
         EXPECT_TRUE (host.idleRegistry ().handlers ().empty ());
@@ -122,12 +120,12 @@ TEST (ModuleCycles, TwoHundredLivesLeaveNothingBehind)
 {
     constexpr int kWarmUp = 20, kCycles = 200;
     Sim::Tracker::reset ();
-    int fdsAfterWarmUp = 0;
+    long fdsAfterWarmUp = 0;
     long rssAfterWarmUp = 0;
     for (int cycle = 0; cycle < kCycles; ++cycle)
     {
         SCOPED_TRACE (cycle);
-        oneLife ();
+        oneLife (cycle % 2 == 0);
         if (HasFatalFailure () || HasFailure ())
             return;
         ASSERT_EQ (Sim::Tracker::report (), "") << "the agent left host objects referenced";
@@ -140,9 +138,9 @@ TEST (ModuleCycles, TwoHundredLivesLeaveNothingBehind)
             rssAfterWarmUp = residentKiB ();
         }
     }
-    const int fds = openDescriptors ();
+    const long fds = openDescriptors ();
     const long rss = residentKiB ();
-    std::printf ("after %d warm-up lives: %d descriptors, %ld KiB resident; after %d: %d, %ld KiB\n", kWarmUp,
+    std::printf ("after %d warm-up lives: %ld descriptors, %ld KiB resident; after %d: %ld, %ld KiB\n", kWarmUp,
                  fdsAfterWarmUp, rssAfterWarmUp, kCycles, fds, rss);
     EXPECT_EQ (fds, fdsAfterWarmUp);
     // Each life really ends in an unload, so each load really starts afresh.
