@@ -51,6 +51,8 @@ void pressCloseButton (WindowId window);
 Shot grab (WindowId window);
 /** Keeps a shot for people to look at, where the system has a place for it. */
 void keepShot (const Shot& shot, const char* name);
+/** The process's open descriptors or handles: a connection of the toolkit's is one of them. */
+long openHandles ();
 
 // ---------------------------------------------------------------- the host side, shared
 
@@ -74,6 +76,7 @@ protected:
     Sim::HostServices host;
     Steinberg::IPluginFactory* factory = nullptr;
     Steinberg::IPluginBase* agent = nullptr;
+    long handlesBeforeAgent = 0;
     int idleCalls = 0;
     std::chrono::steady_clock::duration longestIdleCall {};
 };

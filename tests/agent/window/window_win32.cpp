@@ -74,4 +74,11 @@ Shot grab (WindowId id)
 
 void keepShot (const Shot&, const char*) {}
 
+long openHandles ()
+{
+    DWORD handles = 0;
+    GetProcessHandleCount (GetCurrentProcess (), &handles);
+    return static_cast<long> (handles);
+}
+
 } // namespace EditorWindowTest

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 using namespace Steinberg;
@@ -64,34 +65,24 @@ std::vector<WindowId> agentWindows ()
     return found;
 }
 
+// Without a window manager the toolkit's window is a child of the root, so its place is the root's.
 Placement placementOf (WindowId window)
 {
-    Placement placement;
     XWindowAttributes attributes {};
     if (!XGetWindowAttributes (xserver (), window, &attributes))
-        return placement;
-    Window child = 0;
-    XTranslateCoordinates (xserver (), window, DefaultRootWindow (xserver ()), 0, 0, &placement.x, &placement.y,
-                           &child);
-    placement.width = attributes.width;
-    placement.height = attributes.height;
-    placement.visible = attributes.map_state == IsViewable;
-    return placement;
+        return {};
+    return {attributes.x, attributes.y, attributes.width, attributes.height, attributes.map_state == IsViewable};
 }
 
 /** The window manager's WM_DELETE_WINDOW, with the atoms the module made for its window. */
 void pressCloseButton (WindowId window)
 {
-    const Atom protocols = XInternAtom (xserver (), "WM_PROTOCOLS", True);
-    const Atom deleteWindow = XInternAtom (xserver (), "WM_DELETE_WINDOW", True);
-    ASSERT_NE (protocols, static_cast<Atom> (None));
-    ASSERT_NE (deleteWindow, static_cast<Atom> (None));
     XEvent event {};
     event.xclient.type = ClientMessage;
     event.xclient.window = window;
-    event.xclient.message_type = protocols;
+    event.xclient.message_type = XInternAtom (xserver (), "WM_PROTOCOLS", True);
     event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long> (deleteWindow);
+    event.xclient.data.l[0] = static_cast<long> (XInternAtom (xserver (), "WM_DELETE_WINDOW", True));
     event.xclient.data.l[1] = CurrentTime;
     XSendEvent (xserver (), window, False, NoEventMask, &event);
     XFlush (xserver ());
@@ -131,6 +122,12 @@ void keepShot (const Shot& shot, const char* name)
         std::fwrite (bytes, 1, 3, pipe);
     }
     EXPECT_EQ (pclose (pipe), 0) << path;
+}
+
+long openHandles ()
+{
+    const std::filesystem::directory_iterator descriptors ("/proc/self/fd");
+    return std::distance (begin (descriptors), end (descriptors));
 }
 
 namespace {
