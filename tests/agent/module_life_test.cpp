@@ -1,18 +1,12 @@
-// The built module, loaded with dlopen and driven through a host's whole life
-// by the simulated host, with no display.
+// The built module, loaded with dlopen and met as a host meets it: its exports, its
+// factory, its query table, and initialize and terminate. The whole life of an agent
+// with a project is in tests/hardening/module_cycles_test.cpp, two hundred times over.
 #include "host/agent_interfaces.h"
-#include "host/service_interfaces.h"
 #include "workbench/loader/module_loader.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/project.h"
-#include "workbench/sim/project_manager.h"
-#include "workbench/sim/svs_plugin.h"
 #include "workbench/sim/tracker.h"
 
 #include <gtest/gtest.h>
-
-#include <cstring>
-#include <thread>
 
 using namespace Steinberg;
 
@@ -45,15 +39,6 @@ protected:
         return static_cast<IPluginBase*> (instance);
     }
 
-    template <class I>
-    I* face (FUnknown* object)
-    {
-        void* out = nullptr;
-        if (object->queryInterface (I::iid.toTUID (), &out) != kResultOk)
-            return nullptr;
-        return static_cast<I*> (out);
-    }
-
     static Sim::LoadedModule module;
     IPluginFactory* factory = nullptr;
 };
@@ -78,30 +63,6 @@ TEST_F (LoadedAgentModule, ExportsOnlyItsEntryPoints)
 }
 #endif
 
-TEST_F (LoadedAgentModule, FactoryOffersOneServiceClass)
-{
-    PFactoryInfo info {};
-    ASSERT_EQ (factory->getFactoryInfo (&info), kResultOk);
-    EXPECT_STREQ (info.vendor, "Zelmor Corporation");
-    EXPECT_STREQ (info.email, "");
-    EXPECT_EQ (info.flags, 24);
-    ASSERT_EQ (factory->countClasses (), 1);
-
-    auto* factory2 = face<IPluginFactory2> (factory);
-    ASSERT_NE (factory2, nullptr);
-    PClassInfo2 cls {};
-    ASSERT_EQ (factory2->getClassInfo2 (0, &cls), kResultOk);
-    factory2->release ();
-    EXPECT_EQ (std::memcmp (cls.cid, kAgentClass, 16), 0);
-    EXPECT_EQ (cls.cardinality, 1);
-    EXPECT_STREQ (cls.category, "Service");
-    EXPECT_STREQ (cls.name, "Cantorela Beta");
-    EXPECT_STREQ (cls.vendor, "");
-    EXPECT_STREQ (cls.version, "1.1.3");
-    EXPECT_STREQ (cls.sdkVersion, "4.2");
-    EXPECT_EQ (cls.classFlags, 0u);
-}
-
 TEST_F (LoadedAgentModule, FactoryIsSharedWhileHeldAndRebuiltAfterwards)
 {
     IPluginFactory* second = module.getPluginFactory ();
@@ -113,64 +74,50 @@ TEST_F (LoadedAgentModule, FactoryIsSharedWhileHeldAndRebuiltAfterwards)
     EXPECT_EQ (factory->countClasses (), 1);
 }
 
-TEST_F (LoadedAgentModule, UnknownInterfaceDestroysTheNewInstance)
+TEST_F (LoadedAgentModule, QueryTableHandsOutEveryFaceOnceAndNothingElse)
 {
+    // An unknown interface or class gives no instance, and the new one goes at once.
     void* instance = reinterpret_cast<void*> (1);
-    const TUID unknown = INLINE_UID (1, 2, 3, 4);
+    const TUID unknown = INLINE_UID (0xDEADBEEF, 0, 0, 1);
     EXPECT_NE (factory->createInstance (kAgentClass, unknown, &instance), kResultOk);
     EXPECT_EQ (instance, nullptr);
     EXPECT_NE (factory->createInstance (unknown, IPluginBase::iid.toTUID (), &instance), kResultOk);
-}
 
-TEST_F (LoadedAgentModule, QueryTableHandsOutEveryFaceOnce)
-{
     IPluginBase* agent = createAgent ();
     ASSERT_NE (agent, nullptr);
     const FUID faces[] = {IPluginBase::iid, IActionHandler::iid, IIdleHandler::iid, IProjectNotification::iid,
                           IProjectNotification2::iid, IProjectNotification3::iid,
                           IProjectStorageNotification::iid, IProjectEditHook::iid, FUnknown::iid};
+    std::vector<void*> given;
     for (const auto& iid : faces)
     {
         void* out = nullptr;
         EXPECT_EQ (agent->queryInterface (iid.toTUID (), &out), kResultOk);
         ASSERT_NE (out, nullptr);
         static_cast<FUnknown*> (out)->release ();
+        given.push_back (out);
     }
     // The three notification identifiers share one face.
-    auto* n1 = face<IProjectNotification> (agent);
-    auto* n3 = face<IProjectNotification3> (agent);
-    EXPECT_EQ (static_cast<void*> (n1), static_cast<void*> (static_cast<IProjectNotification*> (n3)));
-    n1->release ();
-    n3->release ();
-
+    EXPECT_EQ (given[3], given[5]);
+    EXPECT_EQ (given[4], given[5]);
     void* out = nullptr;
-    const TUID unknown = INLINE_UID (0xDEADBEEF, 0, 0, 1);
     EXPECT_NE (agent->queryInterface (unknown, &out), kResultOk);
     EXPECT_EQ (agent->release (), 0u);
 }
 
-TEST_F (LoadedAgentModule, InitializeWithoutServices)
+TEST_F (LoadedAgentModule, InitializeWithoutServicesOrWithServicesOnlyRegistersNothing)
 {
-    IPluginBase* agent = createAgent ();
-    EXPECT_EQ (agent->initialize (nullptr), kResultFalse);
+    Sim::Tracker::reset ();
     {
         Sim::ProjectManager notServices;  // answers no IHostServices
-        EXPECT_EQ (agent->initialize (static_cast<IProjectManager*> (&notServices)), kResultFalse);
-    }
-    EXPECT_EQ (agent->terminate (), kResultOk);
-    EXPECT_EQ (agent->release (), 0u);
-}
-
-TEST_F (LoadedAgentModule, InitializeWithServicesOnlyRegistersNothing)
-{
-    Sim::CallLog::clear ();
-    {
-        Sim::HostServices host;
-        host.servicesOnly ();
+        Sim::HostServices bare;
+        bare.servicesOnly ();
         IPluginBase* agent = createAgent ();
-        EXPECT_EQ (agent->initialize (host.context ()), kResultOk);
-        EXPECT_TRUE (host.actionRegistry ().added ().empty ());
-        EXPECT_TRUE (host.idleRegistry ().added ().empty ());
+        EXPECT_EQ (agent->initialize (nullptr), kResultFalse);
+        EXPECT_EQ (agent->initialize (static_cast<IProjectManager*> (&notServices)), kResultFalse);
+        EXPECT_EQ (agent->initialize (bare.context ()), kResultOk);
+        EXPECT_TRUE (bare.actionRegistry ().added ().empty ());
+        EXPECT_TRUE (bare.idleRegistry ().added ().empty ());
         EXPECT_EQ (agent->terminate (), kResultOk);
         EXPECT_EQ (agent->release (), 0u);
     }
@@ -193,55 +140,17 @@ TEST_F (LoadedAgentModule, InitializeTwiceRegistersTwiceAndTerminateKeepsItsOrde
 
         Sim::CallLog::clear ();
         EXPECT_EQ (agent->terminate (), kResultOk);
-        const std::vector<std::string> order = Sim::CallLog::only (
-            {"IProjectManager::removeNotification", "IIdleHandlerRegistry::removeHandler",
-             "IModuleUnloadSink::moduleTerminating", "IActionHandlerRegistry::removeHandler"});
-        EXPECT_EQ (order, (std::vector<std::string> {"IProjectManager::removeNotification",
-                                                     "IIdleHandlerRegistry::removeHandler",
-                                                     "IModuleUnloadSink::moduleTerminating",
-                                                     "IActionHandlerRegistry::removeHandler"}));
+        const std::vector<std::string> order {"IProjectManager::removeNotification",
+                                              "IIdleHandlerRegistry::removeHandler",
+                                              "IModuleUnloadSink::moduleTerminating",
+                                              "IActionHandlerRegistry::removeHandler"};
+        EXPECT_EQ (Sim::CallLog::only ({order[0].c_str (), order[1].c_str (), order[2].c_str (), order[3].c_str ()}),
+                   order);
         ASSERT_EQ (second.unloadSink ().handles ().size (), 1u);
         EXPECT_EQ (second.unloadSink ().handles ()[0], module.nativeHandle ());
         EXPECT_EQ (agent->release (), 0u);
         // The first host's services and project manager went back when the second came.
         EXPECT_EQ (first.refCount (), first.expectedCount ());
-    }
-    EXPECT_EQ (Sim::Tracker::report (), "");
-}
-
-TEST_F (LoadedAgentModule, AHostsWholeLifeLeavesEveryCountWhereItStarted)
-{
-    Sim::Tracker::reset ();
-    {
-        Sim::HostServices host;
-        auto& manager = host.projectManager ();
-        Sim::Project& project = manager.createProject ("Song");
-        auto& vocals = project.root ().addInstrumentTrack ("Vocals");
-        Sim::SvsPlugin synth ("synth");
-        vocals.addSlot ("Slot 1", synth.unknown ());
-        auto& part = vocals.addPart (0.0, 8.0);
-        part.addNote (1.0, 2.0, 60, "hello");
-        part.addNote (2.0, 3.0, 62);
-
-        IPluginBase* agent = createAgent ();
-        ASSERT_EQ (agent->initialize (host.context ()), kResultOk);
-        ASSERT_EQ (host.idleRegistry ().handlers ().size (), 1u);
-        manager.addProject (project);
-        manager.activate (project);
-        EXPECT_EQ (synth.setHostCalls (), 1);
-        EXPECT_FALSE (synth.notes ().empty ());
-        EXPECT_EQ (synth.title (), "Cantorela Beta Agent: Song - Slot 1 - Vocals");
-        for (int turn = 0; turn < 3; ++turn)
-            host.idleRegistry ().idle ();
-
-        EXPECT_EQ (agent->terminate (), kResultOk);
-        EXPECT_TRUE (host.idleRegistry ().handlers ().empty ());
-        EXPECT_TRUE (host.actionRegistry ().handlers ().empty ());
-        EXPECT_TRUE (manager.receivers ().empty ());
-        EXPECT_TRUE (project.storageReceivers ().empty ());
-        EXPECT_EQ (agent->release (), 0u);
-        EXPECT_EQ (synth.host (), nullptr);  // detached when the agent went
-        manager.clearHistories ();
     }
     EXPECT_EQ (Sim::Tracker::report (), "");
 }

@@ -5,14 +5,9 @@
 #include "sync/plugin_binding.h"
 #include "sync/sync_pass.h"
 #include "workbench/sim/call_log.h"
-#include "workbench/sim/folder.h"
 #include "workbench/sim/host_services.h"
-#include "workbench/sim/note.h"
-#include "workbench/sim/part.h"
 #include "workbench/sim/project.h"
-#include "workbench/sim/project_manager.h"
 #include "workbench/sim/svs_plugin.h"
-#include "workbench/sim/track.h"
 #include "workbench/sim/tracker.h"
 
 #include <utf8.h>
@@ -25,7 +20,7 @@ namespace Hardening {
 namespace {
 
 // Far past any fixed buffer or the longest dictionary entry, small enough to keep a fuzz run
-// at hundreds of cases a second; the random test takes texts of 65536 units on its own.
+// at hundreds of cases a second; host_text_test.cpp takes texts of 65536 units on its own.
 constexpr std::size_t kMaxRepeatUnits = 1 << 13;
 constexpr int kNotes = 4;
 

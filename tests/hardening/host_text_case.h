@@ -30,7 +30,7 @@ struct HostTextOutcome
  */
 HostTextOutcome runHostTextCase (const uint8_t* data, std::size_t size);
 
-/** The same with the texts given directly (the random test builds them itself). */
+/** The same with the texts given directly (host_text_test.cpp builds them itself). */
 HostTextOutcome runHostTextCase (const std::vector<std::u16string>& texts);
 
 } // namespace Hardening
