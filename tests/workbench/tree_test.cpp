@@ -1,5 +1,6 @@
 #include "fakes.h"
 
+#include "workbench/sim/agent_driver.h"
 #include "workbench/sim/host_services.h"
 #include "workbench/sim/note.h"
 #include "workbench/sim/part.h"
@@ -52,6 +53,7 @@ TEST_F (TreeTest, IteratorYieldsBorrowedChildrenInOrderWithNullsAndStrangers)
 
     track.setChildrenNull (true);
     EXPECT_EQ (track.getChildren (), nullptr);
+    EXPECT_EQ (ask<ITrackNode> (root.addMidiTrack ("Keys").face ()), nullptr);  // no devices: no track face
 }
 
 TEST_F (TreeTest, AttributesFollowTheVariantRules)
@@ -109,7 +111,7 @@ TEST_F (TreeTest, ContextsAreTheTempoMapForATrackAndAnAnchorForAPart)
     EXPECT_TRUE (Sim::Tracker::imbalances ().empty ()) << Sim::Tracker::report ();
 }
 
-struct Receiver : IProjectNotification3
+struct Receiver : IProjectNotification3, IIdleHandler
 {
     std::vector<std::string> heard;
     tresult PLUGIN_API queryInterface (const TUID, void** obj) override
@@ -126,26 +128,28 @@ struct Receiver : IProjectNotification3
     int32 PLUGIN_API onProjectQuery () override { return 0; }
     void PLUGIN_API onProjectNoOp () override {}
     void PLUGIN_API onProjectRefresh (IHostProject*) override { heard.push_back ("refresh"); }
+    void PLUGIN_API onIdle () override { heard.push_back ("idle"); }
 };
 
-TEST_F (TreeTest, ProjectManagerActsOutAProjectsLife)
+TEST_F (TreeTest, ProjectManagerAndIdleRegistryCallTheAgentInTurn)
 {
     Sim::HostServices services;
     auto& pm = services.projectManager ();
     Receiver r;
     pm.addNotification (&r);
-    auto& song = pm.createProject ("Song");
-    pm.addProject (song);
-    pm.activate (song);
+    services.idleRegistry ().addHandler (&r);
+    Sim::AgentDriver driver (services, nullptr);
+    auto& song = driver.openProject ("Song");
     EXPECT_EQ (pm.getActiveProject (), song.hostProject ());
     pm.refresh (song);
-    pm.deactivate ();
+    driver.idle (2);
+    driver.closeProject (song);
     EXPECT_EQ (pm.getActiveProject (), nullptr);
-    pm.removeProject (song);
     EXPECT_EQ (pm.getProjectCount (), 0);
     pm.removeNotification (&r);
     pm.addProject (song);
-    EXPECT_EQ (r.heard, (std::vector<std::string> {"added", "activated", "refresh", "deactivated", "removed"}));
+    EXPECT_EQ (r.heard, (std::vector<std::string> {"added", "activated", "refresh", "idle", "idle", "deactivated",
+                                                   "removed"}));
 }
 
 } // namespace
