@@ -21,7 +21,7 @@ TEST (SvsPluginTest, ReadsTitleAndSequenceBackAndGivesTheQueriesBack)
     synth.setHost (static_cast<SVS::IHost*> (&host));
     EXPECT_EQ (synth.title (), host.title);
     synth.sequenceChanged ();
-    // What the plug-in queried it gives back, so an agent that forgets a reference shows.
+    // Every face it queried goes back: a host object whose query forgets its reference dies of it.
     EXPECT_EQ (host.refs, 1);
     EXPECT_EQ (Sim::formatRows (Sim::rowsOf (synth.notes ())),
                "0.000-1.000 +0 r [sil]\n1.000-1.500 +300 - [k a]\n");

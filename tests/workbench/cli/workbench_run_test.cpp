@@ -167,7 +167,7 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     const std::string blankHint = midiFile ("blank-hint.mid", {{0, E::Lyric, 0, 0, 0, 0, "la[ ]"},
                                                                {0, E::NoteOn, 0, 60, 90, 0, ""},
                                                                {480, E::NoteOff, 0, 60, 0, 0, ""}});
-    // A target that is a folder: the file written beside it must go again.
+    // A target that is a folder: the rename fails, and the file written beside it must go too.
     const std::string folder = temp ("folder");
     std::filesystem::remove_all (folder);
     std::filesystem::create_directories (folder + "/out.mid");
