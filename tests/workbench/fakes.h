@@ -1,17 +1,45 @@
-// Stand-ins for the agent's side, just enough to drive the simulated host.
+// Stand-ins for the agent's side, just enough to drive the simulated host, and
+// what every test of it shares.
 #pragma once
 
 #include "host/agent_interfaces.h"
 #include "host/edit_step_interfaces.h"
 #include "host/project_interfaces.h"
 #include "svs/svs_interfaces.h"
+#include "workbench/sim/tracker.h"
 
+#include <cstring>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace SimTest {
 
 using namespace Steinberg;
+
+/** Each test starts with no imbalance left from another and frees what it leaves. */
+class Fixture : public ::testing::Test
+{
+protected:
+    void SetUp () override { Sim::Tracker::reset (); }
+    void TearDown () override { Sim::Tracker::reset (); }
+};
+
+/** A synthesiser's note record; a first phoneme "-" makes it a continuation. */
+inline SVS::SVSNote record (double start, double end, float cents, bool rest, std::vector<const char*> phonemes)
+{
+    SVS::SVSNote n {};
+    n.startTime = start;
+    n.endTime = end;
+    n.pitchCents = cents;
+    n.isRest = rest;
+    n.isContinuation = !phonemes.empty () && std::strcmp (phonemes[0], "-") == 0;
+    n.phonemeCount = static_cast<int32> (phonemes.size ());
+    for (std::size_t i = 0; i < phonemes.size (); ++i)
+        std::strcpy (n.phonemes[i], phonemes[i]);
+    return n;
+}
 
 /** Counts like a plain COM object that never deletes itself. */
 template <class... I>
@@ -32,33 +60,6 @@ struct FakeStep : Plain<IEditStep>
     tresult PLUGIN_API undo () override { trace->push_back ("undo " + name); return 0; }
     tresult PLUGIN_API redo () override { trace->push_back ("redo " + name); return 0; }
     tresult PLUGIN_API reportChange (IStepChangeSink*) override { return 0; }
-};
-
-/** An agent that only hears edits: it notes what it saw and may add a step. */
-struct FakeHookAgent : Plain<IProjectEditHook>
-{
-    IEditStep* stepToAdd = nullptr;
-    IHostProject* seenProject = nullptr;
-    IProjectEditContext* seenContext = nullptr;
-    tresult PLUGIN_API queryInterface (const TUID iid, void** obj) override
-    {
-        if (FUnknownPrivate::iidEqual (iid, IProjectEditHook::iid))
-        {
-            *obj = static_cast<IProjectEditHook*> (this);
-            addRef ();
-            return kResultOk;
-        }
-        *obj = nullptr;
-        return kNoInterface;
-    }
-    tresult PLUGIN_API onProjectEdit (IHostProject* p, IProjectEditContext* c) override
-    {
-        seenProject = p;
-        seenContext = c;
-        if (stepToAdd && c)
-            c->addEditStep (stepToAdd);
-        return kResultOk;
-    }
 };
 
 /** The agent's host object as a synthesiser sees it: a title and a stored sequence. */

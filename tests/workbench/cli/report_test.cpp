@@ -1,5 +1,7 @@
 // Pitch names, the JSON a program reads, the bounds of the piano roll, and the
 // MIDI file of what the host holds.
+#include "tests/workbench/fakes.h"
+#include "workbench/cli/host_notes.h"
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
 #include "workbench/cli/song_file.h"
@@ -11,17 +13,7 @@
 
 namespace {
 
-SVS::SVSNote record (double start, double end, float cents, const char* phoneme, bool rest = false)
-{
-    SVS::SVSNote n {};
-    n.startTime = start;
-    n.endTime = end;
-    n.pitchCents = cents;
-    n.isRest = rest;
-    n.phonemeCount = 1;
-    std::strncpy (n.phonemes[0], phoneme, 7);
-    return n;
-}
+using SimTest::record;
 
 TEST (Report, PitchNamesAreTheNearestNoteAndTheCentsLeftOver)
 {
@@ -41,9 +33,9 @@ TEST (Report, JsonEscapesNamesAndReadsAtMostEightBytesAnEntry)
     Workbench::Received synth;
     synth.track = "Say \"hi\"\\\n";
     synth.slot = "Slot 1";
-    synth.notes.push_back (record (0.0, 1.0, -900.0f, "k"));
+    synth.notes.push_back (record (0.0, 1.0, -900.0f, false, {"k"}));
     std::memcpy (synth.notes[0].phonemes[0], "abcdefgh", 8);  // no terminating zero in its entry
-    synth.notes.push_back (record (1.0, 2.0, -900.0f, "sil", true));
+    synth.notes.push_back (record (1.0, 2.0, -900.0f, true, {"sil"}));
     outcome.synthesisers.push_back (synth);
     const std::string json = Workbench::json ("s", outcome);
     EXPECT_NE (json.find ("\"track\": \"Say \\\"hi\\\"\\\\\\u000a\""), std::string::npos) << json;
@@ -54,18 +46,27 @@ TEST (Report, JsonEscapesNamesAndReadsAtMostEightBytesAnEntry)
     EXPECT_EQ (Workbench::json ("s", outcome), "{\n  \"song\": \"s\",\n  \"synthesisers\": []\n}\n");
 }
 
+TEST (Report, EachRecordShowsTheWordsOfTheHostNoteAtItsStartAndPitch)
+{
+    // Two notes that start together, a chord typed in the host: the record sung at C4 is the second's.
+    const std::vector<Workbench::HostNote> notes = {{0.0, 1.0, 0.0, 2.0, 64, "hi"}, {0.0, 1.0, 0.0, 2.0, 60, "lo"}};
+    const std::vector<SVS::SVSNote> records = {record (0.0, 1.0, -900.0f, false, {"l"}),
+                                               record (1.0, 2.0, -900.0f, true, {"sil"})};
+    EXPECT_EQ (Workbench::lyricsOfRecords (records, notes), (std::vector<std::string> {"lo", ""}));
+}
+
 TEST (Report, PianoRollStaysBoundedForLongOrEmptyLists)
 {
     Workbench::Outcome outcome;
     Workbench::Received synth;
-    synth.notes.push_back (record (0.0, 0.5, -900.0f, "a"));
-    synth.notes.push_back (record (0.5, 1.0, 300.0f, "a"));  // C4 .. C5: 13 notes and two spare rows
+    synth.notes.push_back (record (0.0, 0.5, -900.0f, false, {"a"}));
+    synth.notes.push_back (record (0.5, 1.0, 300.0f, false, {"a"}));  // C4 .. C5: 13 notes and two spare rows
     outcome.synthesisers.push_back (synth);
     auto size = Workbench::pianoRollSize (outcome);
     EXPECT_EQ (size.width, 128 + 100);
     EXPECT_EQ (size.height, 24 + 18 + 15 * 14 + 8);  // no words: no lane for them
 
-    outcome.synthesisers[0].notes.push_back (record (1.0, 1e9, 0.0f, "a"));  // an absurd end
+    outcome.synthesisers[0].notes.push_back (record (1.0, 1e9, 0.0f, false, {"a"}));  // an absurd end
     size = Workbench::pianoRollSize (outcome);
     EXPECT_EQ (size.width, 128 + 6000);
 
