@@ -90,7 +90,7 @@ rm -rf "$build_win/json" && mkdir -p "$linux_json" "$windows_json"
 compared=0 differing=0
 cd "$root"
 # Every bundled song, whatever its format; the generator's sources are not songs.
-for song in workbench/songs/*; do
+for song in songs/*; do
   case "$song" in *.cpp | *.h | */CMakeLists.txt) continue ;; esac
   [ -f "$song" ] || continue
   name="$(basename "$song")"

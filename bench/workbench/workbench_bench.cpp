@@ -4,9 +4,10 @@
 // 2,000 notes with words: reading it (syllables joined into typed words), and
 // its whole life.
 #include "workbench/cli/session.h"
-#include "workbench/midi/musicxml_reader.h"
-#include "workbench/songs/compose.h"
-#include "workbench/songs/score_writer.h"
+#include "score/midi_song.h"
+#include "score/musicxml_reader.h"
+#include "songs/generator/compose.h"
+#include "songs/generator/score_writer.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,9 +15,9 @@ namespace {
 
 void WholeSong (benchmark::State& state)
 {
-    Midi::Song song;
+    Score::Song song;
     std::string error;
-    if (!Midi::buildSong (Songs::long400 (), song, error))
+    if (!Score::readMidiSong (Songs::long400 (), song, error))
     {
         state.SkipWithError (error.c_str ());
         return;
@@ -65,9 +66,9 @@ std::string score2000 ()
     return s.text ();
 }
 
-bool readScore (const std::string& xml, Midi::Song& song, std::string& error, bool raw = false)
+bool readScore (const std::string& xml, Score::Song& song, std::string& error, bool raw = false)
 {
-    return Midi::readMusicXml (reinterpret_cast<const std::uint8_t*> (xml.data ()), xml.size (), {1, raw}, song,
+    return Score::readMusicXml (reinterpret_cast<const std::uint8_t*> (xml.data ()), xml.size (), {1, raw}, song,
                                error);
 }
 
@@ -75,7 +76,7 @@ bool readScore (const std::string& xml, Midi::Song& song, std::string& error, bo
 void ReadScore (benchmark::State& state)
 {
     const std::string xml = score2000 ();
-    Midi::Song song;
+    Score::Song song;
     std::string error;
     for (auto _ : state)
         if (!readScore (xml, song, error, state.range (0) == 1))
@@ -98,7 +99,7 @@ void WholeScore (benchmark::State& state)
     std::string error;
     for (auto _ : state)
     {
-        Midi::Song song;
+        Score::Song song;
         Workbench::Outcome outcome;
         if (!readScore (xml, song, error) || !Workbench::run (song, "Two Thousand", options, outcome, error))
         {

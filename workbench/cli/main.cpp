@@ -4,9 +4,11 @@
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
 #include "workbench/cli/song_file.h"
-#include "workbench/midi/lay_lyrics.h"
-#include "workbench/midi/song_reader.h"
-#include "workbench/songs/compose.h"
+#include "score/file_bytes.h"
+#include "score/lay_lyrics.h"
+#include "score/midi_song.h"
+#include "score/song_reader.h"
+#include "songs/generator/compose.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -65,7 +67,7 @@ int main (int argc, char** argv)
     options.modulePath = CANTORELA_MODULE_PATH;
     std::string songPath, rollPath, midiPath, lyrics, lyricsFile;
     bool asJson = false, timing = false;
-    Midi::ReadOptions reading;
+    Score::ReadOptions reading;
 
     for (int i = 1; i < argc; ++i)
     {
@@ -132,19 +134,19 @@ int main (int argc, char** argv)
 
     std::string error;
     std::string name;
-    Midi::Song song;
+    Score::Song song;
     if (songPath.empty ())
     {
         // Through the bytes, so that the example takes the same road as a file.
-        const auto bytes = Midi::write (Songs::morning ());
-        Midi::File file;
+        const auto bytes = Score::writeMidi (Songs::morning ());
+        Score::MidiFile file;
         name = "Morning Song (built-in example)";
-        if (!Midi::parse (bytes.data (), bytes.size (), file, error) || !Midi::buildSong (file, song, error, reading))
+        if (!Score::parseMidi (bytes.data (), bytes.size (), file, error) || !Score::readMidiSong (file, song, error, reading))
             return fail ("the built-in example: " + error);
     }
     else
     {
-        if (!Midi::readSong (songPath, reading, song, error))
+        if (!Score::readSong (songPath, reading, song, error))
             return fail (error);
         const auto slash = songPath.find_last_of ('/');
         name = slash == std::string::npos ? songPath : songPath.substr (slash + 1);
@@ -152,12 +154,12 @@ int main (int argc, char** argv)
     if (!lyricsFile.empty ())
     {
         std::vector<std::uint8_t> bytes;
-        if (!Midi::readBytes (lyricsFile, bytes, error))
+        if (!Score::readFileBytes (lyricsFile, bytes, error))
             return fail (error);
         lyrics.assign (bytes.begin (), bytes.end ());
     }
     if (!lyrics.empty ())
-        Midi::layLyrics (lyrics, song);
+        Score::layLyrics (lyrics, song);
     for (const auto& w : song.warnings)
         std::fprintf (stderr, "workbench: note: %s\n", w.c_str ());
 

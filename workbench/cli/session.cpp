@@ -56,10 +56,10 @@ bool guarded (const char* what, std::string& error, F&& f)
 struct TrackParts
 {
     std::string name;
-    std::vector<const Midi::SongTrack*> parts;
+    std::vector<const Score::SongTrack*> parts;
 };
 
-std::vector<TrackParts> partsByTrack (const Midi::Song& song)
+std::vector<TrackParts> partsByTrack (const Score::Song& song)
 {
     std::vector<TrackParts> tracks;
     for (const auto& st : song.tracks)
@@ -76,7 +76,7 @@ std::vector<TrackParts> partsByTrack (const Midi::Song& song)
 
 } // namespace
 
-bool run (const Midi::Song& song, const std::string& projectName, const Options& options, Outcome& out,
+bool run (const Score::Song& song, const std::string& projectName, const Options& options, Outcome& out,
           std::string& error)
 {
     const auto start = Clock::now ();
@@ -245,7 +245,7 @@ bool run (const Midi::Song& song, const std::string& projectName, const Options&
             r.lyrics = lyricsOfRecords (r.notes, r.hostNotes);
             out.synthesisers.push_back (std::move (r));
         }
-        out.tempi = song.tempi.empty () ? std::vector<Midi::TempoChange> {{0.0, 120.0}} : song.tempi;
+        out.tempi = song.tempi.empty () ? std::vector<Score::TempoChange> {{0.0, 120.0}} : song.tempi;
         out.timing.hostCalls = Sim::CallLog::hostCalls ();
 
         // A host's end: the project goes, the agent is terminated, the histories

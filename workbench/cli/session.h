@@ -4,7 +4,7 @@
 #pragma once
 
 #include "workbench/cli/host_notes.h"
-#include "workbench/midi/song.h"
+#include "score/song.h"
 #include "svs/svs_interfaces.h"
 
 #include <string>
@@ -43,13 +43,13 @@ struct Timing
 struct Outcome
 {
     std::vector<Received> synthesisers;
-    std::vector<Midi::TempoChange> tempi;  ///< the project's tempo map
+    std::vector<Score::TempoChange> tempi;  ///< the project's tempo map
     Timing timing;
     std::vector<std::string> notices;  ///< things worth saying that are not errors
 };
 
 /** False with a message when the module cannot be loaded or the agent refuses to start. */
-bool run (const Midi::Song& song, const std::string& projectName, const Options& options, Outcome& out,
+bool run (const Score::Song& song, const std::string& projectName, const Options& options, Outcome& out,
           std::string& error);
 
 } // namespace Workbench

@@ -37,9 +37,9 @@ int division (const Outcome& outcome)
     return 10080;
 }
 
-Midi::Event event (std::uint64_t tick, Midi::Event::Kind kind, std::string text = {})
+Score::MidiEvent event (std::uint64_t tick, Score::MidiEvent::Kind kind, std::string text = {})
 {
-    Midi::Event e;
+    Score::MidiEvent e;
     e.tick = tick;
     e.kind = kind;
     e.text = std::move (text);
@@ -48,9 +48,9 @@ Midi::Event event (std::uint64_t tick, Midi::Event::Kind kind, std::string text 
 
 } // namespace
 
-bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out, std::string& error)
+bool songFile (const std::string& title, const Outcome& outcome, Score::MidiFile& out, std::string& error)
 {
-    out = Midi::File {};
+    out = Score::MidiFile {};
     out.format = 1;
     out.division = division (outcome);
     bool fits = true;
@@ -60,11 +60,11 @@ bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out
         return fits ? static_cast<std::uint64_t> (t) : std::uint64_t {0};
     };
 
-    Midi::Track conductor;
-    conductor.events.push_back (event (0, Midi::Event::TrackName, title));
+    Score::MidiTrack conductor;
+    conductor.events.push_back (event (0, Score::MidiEvent::TrackName, title));
     for (const auto& t : outcome.tempi)
     {
-        Midi::Event e = event (tickOf (t.beat), Midi::Event::Tempo);
+        Score::MidiEvent e = event (tickOf (t.beat), Score::MidiEvent::Tempo);
         e.value = static_cast<std::uint32_t> (std::clamp (std::lround (6e7 / t.bpm), 1L, 0xFFFFFFL));
         conductor.events.push_back (e);
     }
@@ -90,7 +90,7 @@ bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out
         // A reader pairs a note-off with the earliest open note of its channel and pitch, so a
         // note that starts while another of its pitch still sounds goes on a channel of its own.
         std::vector<std::array<std::uint64_t, 16>> busy (128);
-        std::vector<Midi::Event> offs, ons;
+        std::vector<Score::MidiEvent> offs, ons;
         for (const auto& p : notes)
         {
             const int pitch = std::clamp (p.note->pitch, 0, 127);
@@ -103,20 +103,20 @@ bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out
                 }
             busy[static_cast<std::size_t> (pitch)][static_cast<std::size_t> (channel)] = p.end;
             if (!p.note->lyric.empty ())
-                ons.push_back (event (p.start, Midi::Event::Lyric, p.note->lyric));
-            Midi::Event on = event (p.start, Midi::Event::NoteOn);
+                ons.push_back (event (p.start, Score::MidiEvent::Lyric, p.note->lyric));
+            Score::MidiEvent on = event (p.start, Score::MidiEvent::NoteOn);
             on.channel = channel;
             on.pitch = pitch;
             on.velocity = 100;
             ons.push_back (on);
             on.tick = p.end;
-            on.kind = Midi::Event::NoteOff;
+            on.kind = Score::MidiEvent::NoteOff;
             on.velocity = 0;
             offs.push_back (on);
         }
         // The writer sorts stably by tick: a note ends before the next one at the same tick begins.
-        Midi::Track track;
-        track.events.push_back (event (0, Midi::Event::TrackName, synth.track));
+        Score::MidiTrack track;
+        track.events.push_back (event (0, Score::MidiEvent::TrackName, synth.track));
         track.events.insert (track.events.end (), offs.begin (), offs.end ());
         track.events.insert (track.events.end (), ons.begin (), ons.end ());
         out.tracks.push_back (std::move (track));
@@ -129,13 +129,13 @@ bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out
 
 bool writeSongFile (const std::string& title, const Outcome& outcome, const std::string& path, std::string& error)
 {
-    Midi::File file;
+    Score::MidiFile file;
     if (!songFile (title, outcome, file, error))
     {
         error = "cannot write " + path + ": " + error;
         return false;
     }
-    return replaceFile (path, Midi::write (file), error);
+    return replaceFile (path, Score::writeMidi (file), error);
 }
 
 } // namespace Workbench

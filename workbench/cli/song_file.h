@@ -3,7 +3,7 @@
 #pragma once
 
 #include "workbench/cli/session.h"
-#include "workbench/midi/midi_file.h"
+#include "score/midi_file.h"
 
 #include <string>
 
@@ -15,7 +15,7 @@ namespace Workbench {
  * that has one, a lyric event with the text the agent wrote back. False with
  * a message when a position does not fit a file's ticks.
  */
-bool songFile (const std::string& title, const Outcome& outcome, Midi::File& out, std::string& error);
+bool songFile (const std::string& title, const Outcome& outcome, Score::MidiFile& out, std::string& error);
 /** songFile, written whole to `path` or not at all. */
 bool writeSongFile (const std::string& title, const Outcome& outcome, const std::string& path, std::string& error);
 

@@ -1,6 +1,7 @@
 // Pitch names, the JSON a program reads, the bounds of the piano roll, and the
 // MIDI file of what the host holds.
-#include "tests/workbench/fakes.h"
+#include "score/midi_song.h"
+#include "tests/workbench/sim/fakes.h"
 #include "workbench/cli/host_notes.h"
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
@@ -87,12 +88,12 @@ TEST (Report, SongFileKeepsOverlapsOfOnePitchAndPositionsOffTheUsualGrid)
                        {0.5, 1.0, 1.0, 2.0, 60, ""},
                        {1.0 / 14, 0.5, 1.0 / 7, 1.0, 64, "[-]"}};
     outcome.synthesisers.push_back (synth);
-    Midi::File file;
-    Midi::Song song;
+    Score::MidiFile file;
+    Score::Song song;
     std::string error;
     ASSERT_TRUE (Workbench::songFile ("s", outcome, file, error)) << error;
-    const auto bytes = Midi::write (file);
-    ASSERT_TRUE (Midi::parse (bytes.data (), bytes.size (), file, error) && Midi::buildSong (file, song, error));
+    const auto bytes = Score::writeMidi (file);
+    ASSERT_TRUE (Score::parseMidi (bytes.data (), bytes.size (), file, error) && Score::readMidiSong (file, song, error));
     ASSERT_EQ (song.tracks.size (), 1u);
     std::string notes;
     char buf[64];

@@ -1,7 +1,8 @@
 // The built workbench, run as a user runs it: on the bundled songs against
 // outputs reviewed by hand, through undo and redo, into a PNG and a MIDI file
 // that reads back, and on bad input.
-#include "workbench/midi/midi_file.h"
+#include "score/file_bytes.h"
+#include "score/midi_file.h"
 
 #include <juce_core/juce_core.h>
 
@@ -56,11 +57,11 @@ Outcome workbench (const std::string& args)
 }
 
 /** A file of one track of these events, beside this run's other files. */
-std::string midiFile (const char* name, std::vector<Midi::Event> events)
+std::string midiFile (const char* name, std::vector<Score::MidiEvent> events)
 {
-    Midi::File file;
+    Score::MidiFile file;
     file.tracks.push_back ({std::move (events)});
-    const auto bytes = Midi::write (file);
+    const auto bytes = Score::writeMidi (file);
     std::ofstream (temp (name), std::ios::binary)
         .write (reinterpret_cast<const char*> (bytes.data ()), static_cast<std::streamsize> (bytes.size ()));
     return temp (name);
@@ -142,13 +143,15 @@ TEST (Workbench, WrittenSongReadsBackToTheSameNoteLists)
         EXPECT_EQ (again.out, first.out) << name;
     }
     // The texts are the ones written back, not the ones typed.
-    Midi::File file;
+    Score::MidiFile file;
     std::string error;
-    ASSERT_TRUE (Midi::load (dir + "/morning.mid", file, error)) << error;
+    std::vector<std::uint8_t> bytes;
+    ASSERT_TRUE (Score::readFileBytes (dir + "/morning.mid", bytes, error)
+                 && Score::parseMidi (bytes.data (), bytes.size (), file, error)) << error;
     std::string texts;
     for (const auto& track : file.tracks)
         for (const auto& e : track.events)
-            texts += e.kind == Midi::Event::Lyric ? e.text + "|" : "";
+            texts += e.kind == Score::MidiEvent::Lyric ? e.text + "|" : "";
     EXPECT_EQ (texts.substr (0, 34), "Hel-lo[hh ah]|[-]|[l ow]|sun[s ah ") << texts;
 }
 
@@ -161,7 +164,7 @@ TEST (Workbench, BadInputIsRefusedWithAReason)
     std::ofstream (fake) << "not a shared object\n";
     std::ofstream (cut, std::ios::binary) << slurp (song ("morning.mid")).substr (0, 100);
     // Events as {tick, kind, channel, pitch, velocity, value, text}.
-    using E = Midi::Event;
+    using E = Score::MidiEvent;
     const std::string silent = midiFile ("silent.mid", {{0, E::Tempo, 0, 0, 0, 500000, ""}});
     // A hint of blanks makes the agent throw out of the host's edit call.
     const std::string blankHint = midiFile ("blank-hint.mid", {{0, E::Lyric, 0, 0, 0, 0, "la[ ]"},

@@ -1,0 +1,25 @@
+// Scores as notation programs export them: MusicXML, partwise or timewise.
+#pragma once
+
+#include "score/song.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Score {
+
+/**
+ * Reads a MusicXML document (UTF-8 or UTF-16) into a song. Each part with
+ * notes becomes a track named by its part-name. A part sings one voice: the
+ * first that has words, else its first; of a chord, the top note, with the
+ * words of whichever note of the chord carries them. Tied notes are one note,
+ * `<sound tempo>` makes the tempo map, and the lyrics of the verse asked for
+ * become syllables: a note after an `<extend/>`, or without words inside a
+ * word, holds the syllable before it. Repeats are not unrolled; grace notes
+ * are left out and cue notes are rests. False with a message for broken XML,
+ * XML that is no score, and a score without notes.
+ */
+bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions& options, Song& out,
+                   std::string& error);
+
+} // namespace Score

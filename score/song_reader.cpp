@@ -1,0 +1,84 @@
+#include "score/song_reader.h"
+
+#include "score/file_bytes.h"
+#include "score/midi_song.h"
+#include "score/musicxml_reader.h"
+#include "score/mxl_container.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace Score {
+
+namespace {
+
+enum class Kind
+{
+    Midi,
+    Xml,
+    Zip
+};
+
+bool endsWith (const std::string& s, const char* tail)
+{
+    const std::size_t n = std::strlen (tail);
+    if (s.size () < n)
+        return false;
+    for (std::size_t i = 0; i < n; ++i)
+        if (std::tolower (static_cast<unsigned char> (s[s.size () - n + i])) != tail[i])
+            return false;
+    return true;
+}
+
+Kind kindOf (const std::string& path, const std::vector<std::uint8_t>& data)
+{
+    auto startsWith = [&] (std::initializer_list<std::uint8_t> head) {
+        return data.size () >= head.size () && std::equal (head.begin (), head.end (), data.begin ());
+    };
+    if (startsWith ({'M', 'T', 'h', 'd'}))
+        return Kind::Midi;
+    if (startsWith ({'P', 'K', 3, 4}))
+        return Kind::Zip;
+    std::size_t i = startsWith ({0xEF, 0xBB, 0xBF}) ? 3 : 0;
+    while (i < data.size () && std::isspace (data[i]))
+        ++i;
+    if ((i < data.size () && data[i] == '<') || startsWith ({0xFF, 0xFE}) || startsWith ({0xFE, 0xFF}))
+        return Kind::Xml;
+    if (endsWith (path, ".mxl"))
+        return Kind::Zip;
+    return endsWith (path, ".musicxml") || endsWith (path, ".xml") ? Kind::Xml : Kind::Midi;
+}
+
+} // namespace
+
+bool readSong (const std::string& path, const ReadOptions& options, Song& out, std::string& error)
+{
+    std::vector<std::uint8_t> data;
+    if (!readFileBytes (path, data, error))
+        return false;
+    bool ok = false;
+    switch (kindOf (path, data))
+    {
+    case Kind::Midi:
+    {
+        MidiFile file;
+        ok = parseMidi (data.data (), data.size (), file, error) && readMidiSong (file, out, error, options);
+        break;
+    }
+    case Kind::Zip:
+    {
+        std::vector<std::uint8_t> score;
+        ok = unpackMxl (data, score, error) && readMusicXml (score.data (), score.size (), options, out, error);
+        break;
+    }
+    case Kind::Xml:
+        ok = readMusicXml (data.data (), data.size (), options, out, error);
+        break;
+    }
+    if (!ok)
+        error = path + ": " + error;
+    return ok;
+}
+
+} // namespace Score

@@ -1,0 +1,291 @@
+#include "score/typed_words.h"
+
+#include "score/song.h"
+
+#include "phoneme/dictionary_holder.h"
+#include "phoneme/lyric_converter.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <sstream>
+
+namespace Score {
+
+namespace {
+
+using Elements = std::vector<std::string>;
+
+Elements convert (const std::string& text)
+{
+    const auto* dictionary = Zelmor::dictionaryHolderMap ();
+    if (!dictionary)
+        return {};
+    try
+    {
+        return Zelmor::convertLyric (text, *dictionary);
+    }
+    catch (const std::exception&)
+    {
+        return {};  // only malformed UTF-8 throws, and the readers hand over none
+    }
+}
+
+std::vector<std::string> tokens (const std::string& element)
+{
+    std::istringstream in (element);
+    std::vector<std::string> out;
+    for (std::string t; in >> t;)
+        out.push_back (t);
+    return out;
+}
+
+/** One syllable as the converter sings it: its sounds (holds' closing sounds included) and its holds. */
+struct Sung
+{
+    std::string sound;
+    int holds = 0;
+    bool holdsConsonant = false;  ///< a bare hold repeats the last sound before it, so it must be a vowel
+};
+
+/** False when the list opens with a hold, which belongs to no syllable. */
+bool sungSyllables (const Elements& elements, std::vector<Sung>& out)
+{
+    out.clear ();
+    bool endsOnNucleus = false;
+    for (const auto& e : elements)
+    {
+        auto parts = tokens (e);
+        if (e.empty () || e[0] != '-')
+        {
+            endsOnNucleus = !parts.empty () && Zelmor::findNucleus (parts) + 1 == parts.size ();
+            out.push_back ({e, 0, false});
+            continue;
+        }
+        if (out.empty ())
+            return false;
+        Sung& s = out.back ();
+        ++s.holds;
+        if (parts.size () <= 1)
+            s.holdsConsonant = s.holdsConsonant || !endsOnNucleus;
+        for (std::size_t i = 1; i < parts.size (); ++i, endsOnNucleus = false)
+            s.sound += " " + parts[i];
+    }
+    return true;
+}
+
+/** How many holds each syllable gained in `text` over `base`; false if it sings other sounds. */
+bool gainedHolds (const std::string& text, const std::vector<Sung>& base, std::vector<int>& gained)
+{
+    std::vector<Sung> now;
+    if (!sungSyllables (convert (text), now) || now.size () != base.size ())
+        return false;
+    gained.assign (base.size (), 0);
+    for (std::size_t j = 0; j < base.size (); ++j)
+    {
+        gained[j] = now[j].holds - base[j].holds;
+        if (now[j].sound != base[j].sound || gained[j] < 0 || (gained[j] > 0 && now[j].holdsConsonant))
+            return false;
+    }
+    return true;
+}
+
+constexpr std::size_t longestWord = 256;  // bytes
+const char* const hyphen = "-";
+const char* const longMark = "\xE3\x83\xBC";  // katakana long-vowel mark: holds kana and open vowels
+
+/**
+ * Puts `wanted[j]` holds on each syllable j. A hyphen's place among the
+ * letters only roughly selects the syllable it holds, so every place is tried
+ * on the converter; of the places that hold syllable j, the one nearest
+ * `target[j]` wins. A syllable that no place reaches passes its holds to the
+ * nearest one that can take them, earlier first.
+ */
+std::string placeHolds (const std::string& text, const std::vector<Sung>& base, const std::vector<int>& wanted,
+                        const std::vector<std::size_t>& target, bool withLongMarks)
+{
+    struct Place
+    {
+        std::size_t at = 0;
+        const char* mark = nullptr;
+    };
+    const std::size_t k = base.size ();
+    std::vector<Place> reach (k);
+    std::vector<int> gained;
+    auto distance = [] (std::size_t a, std::size_t b) { return a > b ? a - b : b - a; };
+    for (std::size_t at = 0; at <= text.size (); ++at)
+    {
+        if (at < text.size () && (static_cast<unsigned char> (text[at]) & 0xC0) == 0x80)
+            continue;  // inside a character
+        for (const char* mark : {hyphen, longMark})
+        {
+            if (mark == longMark && !withLongMarks)
+                continue;
+            std::string tried = text;
+            tried.insert (at, mark);
+            if (!gainedHolds (tried, base, gained) || std::accumulate (gained.begin (), gained.end (), 0) != 1)
+                continue;
+            const auto j = static_cast<std::size_t> (std::find (gained.begin (), gained.end (), 1) - gained.begin ());
+            Place& p = reach[j];
+            if (!p.mark || (p.mark == longMark && mark == hyphen)
+                || (p.mark == mark && distance (at, target[j]) <= distance (p.at, target[j])))
+                p = {at, mark};
+        }
+    }
+    std::vector<int> placed (k, 0);
+    for (std::size_t j = 0; j < k; ++j)
+        for (std::size_t d = 0; wanted[j] > 0 && d < k; ++d)
+        {
+            if (d <= j && reach[j - d].mark)
+            {
+                placed[j - d] += wanted[j];
+                break;
+            }
+            if (j + d < k && reach[j + d].mark)
+            {
+                placed[j + d] += wanted[j];
+                break;
+            }
+        }
+    std::string typed = text;
+    std::vector<std::size_t> order (k);
+    for (std::size_t j = 0; j < k; ++j)
+        order[j] = j;
+    // From the back, so that earlier places keep their offsets.
+    std::sort (order.begin (), order.end (), [&] (std::size_t a, std::size_t b) { return reach[a].at > reach[b].at; });
+    for (std::size_t j : order)
+        for (int i = 0; i < placed[j]; ++i)
+            typed.insert (reach[j].at, reach[j].mark);
+    return gainedHolds (typed, base, gained) && gained == placed ? typed : std::string ();
+}
+
+struct ScoreSyllable
+{
+    std::string text;
+    int holds = 0;
+};
+
+/**
+ * One word as a singer types it. The word's notes are the score's syllables
+ * and their holds. When the converter finds as many syllables as the score,
+ * each is held as the score holds it. When it finds another count, the word
+ * still gets one element a note as long as it has at least as many notes as
+ * elements: the missing holds are spread evenly over its syllables, any
+ * remainder on the later ones. With fewer notes than elements nothing is
+ * held, and the elements left over run on to the notes after the word until
+ * the next word begins, as in the host. So no note is left without a sound of
+ * the word and no syllable is made up. A word whose text holds its own marks
+ * keeps them and only gains what it lacks.
+ */
+std::string typeWord (const std::vector<ScoreSyllable>& score)
+{
+    std::string text;
+    std::vector<std::size_t> ends;
+    std::size_t notes = 0;
+    for (const auto& s : score)
+    {
+        text += s.text;
+        ends.push_back (text.size ());
+        notes += 1 + static_cast<std::size_t> (s.holds);
+    }
+    // Each place for a mark costs a conversion of the whole text: a run of syllables
+    // that never ends a word (a karaoke song without blanks) is typed as it stands.
+    if (text.size () > longestWord)
+        return text;
+    const Elements base = convert (text);
+    std::vector<Sung> sung;
+    if (!sungSyllables (base, sung) || sung.empty ())
+        return text;
+    const std::size_t k = sung.size ();
+    std::vector<int> wanted (k, 0);
+    std::vector<std::size_t> target (k);
+    for (std::size_t j = 0; j < k; ++j)
+    {
+        if (k == score.size ())
+        {
+            wanted[j] = std::max (0, score[j].holds - sung[j].holds);
+            target[j] = ends[j];
+        }
+        else
+        {
+            const std::size_t extra = notes > base.size () ? notes - base.size () : 0;
+            wanted[j] = static_cast<int> ((j + 1) * extra / k - j * extra / k);
+            target[j] = text.size () * (j + 1) / k;
+        }
+    }
+    if (std::all_of (wanted.begin (), wanted.end (), [] (int w) { return w == 0; }))
+        return text;
+    // Long-vowel marks and hyphens may disturb each other in a text that mixes
+    // kana and letters; hyphens alone never do.
+    for (const bool withLongMarks : {true, false})
+    {
+        const std::string typed = placeHolds (text, sung, wanted, target, withLongMarks);
+        if (!typed.empty ())
+            return typed;
+    }
+    return text;
+}
+
+} // namespace
+
+std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
+{
+    struct Word
+    {
+        std::size_t first = 0;
+        std::vector<ScoreSyllable> syllables;
+        bool ended = false;  ///< takes holds still, but no more syllables
+    };
+    std::vector<std::string> typed (notes.size ());
+    std::optional<Word> word;
+    auto finish = [&] {
+        if (word)
+            typed[word->first] = typeWord (word->syllables);
+        word.reset ();
+    };
+    for (std::size_t i = 0; i < notes.size (); ++i)
+    {
+        const Syllable& s = notes[i];
+        switch (s.kind)
+        {
+        case Syllable::Held:
+            if (word)
+                ++word->syllables.back ().holds;
+            break;
+        case Syllable::Single:
+        case Syllable::Begin:
+        case Syllable::Middle:
+        case Syllable::End:
+            if (!word || word->ended || s.kind == Syllable::Single || s.kind == Syllable::Begin)
+            {
+                finish ();
+                word = Word {i, {}, false};
+            }
+            word->syllables.push_back ({s.text, 0});
+            word->ended = s.kind == Syllable::Single || s.kind == Syllable::End;
+            break;
+        case Syllable::AsWritten:
+            finish ();
+            typed[i] = s.text;
+            break;
+        case Syllable::Free:
+            finish ();
+            break;
+        }
+    }
+    finish ();
+    return typed;
+}
+
+void typeLyrics (std::vector<SongNote>& notes)
+{
+    std::vector<Syllable> syllables;
+    syllables.reserve (notes.size ());
+    for (const auto& n : notes)
+        syllables.push_back (n.syllable);
+    const auto typed = typedWords (syllables);
+    for (std::size_t i = 0; i < notes.size (); ++i)
+        notes[i].lyric = typed[i];
+}
+
+} // namespace Score
