@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <thread>
 
 using namespace Steinberg;
@@ -24,12 +25,16 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double since (Clock::time_point t) { return std::chrono::duration<double> (Clock::now () - t).count (); }
-
-struct Typed
+/** Adds the time from its making to its end to `seconds`. */
+class Stopwatch
 {
-    Sim::Note* note;
-    std::string lyric;
+public:
+    explicit Stopwatch (double& seconds) : seconds_ (seconds) {}
+    ~Stopwatch () { seconds_ += std::chrono::duration<double> (Clock::now () - start_).count (); }
+
+private:
+    double& seconds_;
+    Clock::time_point start_ = Clock::now ();
 };
 
 /** Runs `f`; an exception that the agent lets out of a host call becomes a message. */
@@ -52,7 +57,82 @@ bool guarded (const char* what, std::string& error, F&& f)
     return false;
 }
 
-/** One instrument track: the MIDI tracks that carry its name, in file order. */
+/** The module as a host holds it: loaded, entered, with its factory and the one agent made from it. */
+class ModuleHold
+{
+public:
+    ModuleHold () = default;
+    ModuleHold (const ModuleHold&) = delete;
+    ModuleHold& operator= (const ModuleHold&) = delete;
+
+    ~ModuleHold ()
+    {
+        releaseAgent ();
+        if (factory_)
+            factory_->release ();
+        if (entered_)
+            module_->bundleExit ();
+        if (module_)
+            module_->unload ();
+    }
+
+    /** Loads the module, calls its entry point, and makes the agent of its one "Service" class. */
+    bool load (const std::string& path, std::string& error)
+    {
+        module_.emplace (path);
+        if (!module_->ok ())
+        {
+            error = module_->error ().empty () ? "cannot load module " + module_->path () : module_->error ();
+            return false;
+        }
+        if (!(entered_ = module_->bundleEntry ()))
+        {
+            error = "the module's entry point refused to start: " + module_->path ();
+            return false;
+        }
+        factory_ = module_->getPluginFactory ();
+        agent_ = factory_ ? module_->createService (factory_) : nullptr;
+        if (!agent_)
+            error = "the module offers no service to create: "
+                    + (module_->error ().empty () ? module_->path () : module_->error ());
+        return agent_ != nullptr;
+    }
+
+    IPluginBase* agent () const { return agent_; }
+
+    /** The host's last reference to the agent, dropped while the host's services still stand. */
+    void releaseAgent ()
+    {
+        if (agent_)
+            agent_->release ();
+        agent_ = nullptr;
+    }
+
+private:
+    std::optional<Sim::LoadedModule> module_;
+    bool entered_ = false;
+    IPluginFactory* factory_ = nullptr;
+    IPluginBase* agent_ = nullptr;
+};
+
+/** A note of the project that the user types a lyric on. */
+struct Typed
+{
+    Sim::Note* note;
+    std::string lyric;
+};
+
+/** The project built from the song: one instrument track with a synthesiser per song track name. */
+struct SongProject
+{
+    Sim::Project* project = nullptr;
+    std::vector<std::string> trackNames;
+    std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;  ///< outlive the project and the agent: both point at them
+    std::vector<std::vector<Sim::Note*>> trackNotes;
+    std::vector<Typed> typing;  ///< in the order of the song
+};
+
+/** One instrument track: the song's tracks that carry its name, in file order. */
 struct TrackParts
 {
     std::string name;
@@ -74,202 +154,207 @@ std::vector<TrackParts> partsByTrack (const Score::Song& song)
     return tracks;
 }
 
+// --- The steps of a run, in the order they run -------------------------------------------------
+
+/** The project in the host's tree: the tempo map, and per track its synthesiser and its parts' notes. */
+void buildProject (Sim::ProjectManager& manager, const Score::Song& song, const std::string& name, SongProject& out)
+{
+    Sim::Project& project = manager.createProject (name);
+    out.project = &project;
+    project.time ().setTempo (song.tempi.empty () ? 120.0 : song.tempi.front ().bpm);
+    for (const auto& change : song.tempi)
+        if (change.beat > 0.0)
+            project.time ().addTempoChange (change.beat, change.bpm);
+
+    for (const auto& group : partsByTrack (song))
+    {
+        auto& track = project.root ().addInstrumentTrack (group.name);
+        out.trackNames.push_back (group.name);
+        out.trackNotes.emplace_back ();
+        out.synths.push_back (std::make_unique<Sim::SvsPlugin> (group.name));
+        track.addSlot ("Slot 1", out.synths.back ()->unknown ());
+        for (std::size_t i = 0; i < group.parts.size (); ++i)
+        {
+            const auto& notes = group.parts[i]->notes;
+            double end = 0.0;
+            for (const auto& n : notes)
+                end = std::max (end, n.end);
+            // The first part starts with the song; a later one with its own first note,
+            // so that it overlaps the part before when it enters while that one sings.
+            // Its content starts with it, so the notes keep their times in the song.
+            auto& part = track.addPart (i == 0 ? 0.0 : notes.front ().start, end + 1.0);
+            for (const auto& n : notes)
+            {
+                Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
+                out.trackNotes.back ().push_back (&note);
+                if (!n.lyric.empty ())
+                    out.typing.push_back ({&note, n.lyric});
+            }
+        }
+    }
+}
+
+/** The user types the words in the order of the song, one host edit each. */
+void typeWords (SongProject& song, FUnknown* agent, Timing& timing)
+{
+    for (auto& typed : song.typing)
+    {
+        song.project->typeLyric (*typed.note, typed.lyric, agent);
+        ++timing.lyricEdits;
+    }
+}
+
+/** Idle passes: the host's project refresh, or, paced, real idle calls after the agent's interval. */
+void idlePasses (const Options& options, Sim::ProjectManager& manager, Sim::Project& project,
+                 Sim::AgentDriver& driver, Timing& timing)
+{
+    for (int i = 0; i < options.idlePasses; ++i)
+    {
+        if (options.paced)
+        {
+            std::this_thread::sleep_for (std::chrono::milliseconds (1010));
+            driver.idle ();
+        }
+        else
+            manager.refresh (project);
+        ++timing.idleCalls;
+    }
+}
+
+/** Back and forth through the host's own history; the agent's step follows. */
+void undoAndRedo (const Options& options, Sim::Project& project, Timing& timing)
+{
+    for (int i = 0; i < options.undo && project.undo (); ++i)
+        ++timing.undone;
+    for (int i = 0; i < options.redo && project.redo (); ++i)
+        ++timing.redone;
+}
+
+/** The agent's window, kept alive by the host's main loop for a while. */
+void showEditor (const Options& options, Sim::AgentDriver& driver, std::vector<std::string>& notices)
+{
+    std::string reason;
+    void* display = openDisplay (reason);
+    if (!display)
+    {
+        notices.push_back (reason);
+        return;
+    }
+    driver.action ("Cantorela Beta Agent", "Show Editor");
+    // Idle calls are what let the window paint.
+    const auto until = Clock::now () + std::chrono::duration<double> (options.editorSeconds);
+    while (Clock::now () < until)
+    {
+        dispatchWindowMessages ();
+        driver.idle ();
+        std::this_thread::sleep_for (std::chrono::milliseconds (20));
+    }
+    closeDisplay (display);
+}
+
+/** What each synthesiser holds now, beside the host's notes with the texts the agent wrote back. */
+void collectReceived (const SongProject& song, std::vector<Received>& out)
+{
+    const auto& time = song.project->time ();
+    for (std::size_t i = 0; i < song.synths.size (); ++i)
+    {
+        Received r {song.trackNames[i], "Slot 1", song.synths[i]->title (), song.synths[i]->notes (), {}, {}};
+        for (const Sim::Note* note : song.trackNotes[i])
+            r.hostNotes.push_back ({note->start (), note->end (), time.secondsToBeats (note->start ()),
+                                    time.secondsToBeats (note->end ()), note->pitch (), note->lyric ()});
+        r.lyrics = lyricsOfRecords (r.notes, r.hostNotes);
+        out.push_back (std::move (r));
+    }
+}
+
 } // namespace
 
 bool run (const Score::Song& song, const std::string& projectName, const Options& options, Outcome& out,
           std::string& error)
 {
-    const auto start = Clock::now ();
+    Stopwatch total (out.timing.total);
     Sim::CallLog::setRecording (false);  // counters only: a long song makes millions of calls
     Sim::CallLog::clear ();
 
-    auto t = Clock::now ();
-    Sim::LoadedModule module (options.modulePath);
-    if (!module.ok ())
+    // Declared in the order a host lets them go, backwards: the synthesisers
+    // outlive the module, the module the host's services.
+    std::optional<Stopwatch> teardown;
+    SongProject project;
+    ModuleHold module;
     {
-        error = module.error ().empty () ? "cannot load module " + options.modulePath : module.error ();
-        return false;
+        Stopwatch load (out.timing.load);
+        if (!module.load (options.modulePath, error))
+            return false;
     }
-    if (!module.bundleEntry ())
-    {
-        error = "the module's entry point refused to start: " + module.path ();
-        return false;
-    }
-    IPluginFactory* factory = module.getPluginFactory ();
-    IPluginBase* agent = factory ? module.createService (factory) : nullptr;
-    if (!agent)
-    {
-        error = "the module offers no service to create: " + (module.error ().empty () ? module.path () : module.error ());
-        if (factory)
-            factory->release ();
-        module.bundleExit ();
-        return false;
-    }
+    IPluginBase* agent = module.agent ();
 
-    // The plug-ins outlive the host's project and the agent: both point at them.
-    std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;
-    bool ok = true;
+    Sim::HostServices host;
     {
-        Sim::HostServices host;
+        Stopwatch load (out.timing.load);
         if (agent->initialize (host.context ()) != kResultOk)
         {
             error = "the agent refused to initialise";
-            agent->release ();
-            factory->release ();
-            module.bundleExit ();
             return false;
         }
-        out.timing.load = since (t);
-
-        t = Clock::now ();
-        auto& manager = host.projectManager ();
-        Sim::Project& project = manager.createProject (projectName);
-        project.time ().setTempo (song.tempi.empty () ? 120.0 : song.tempi.front ().bpm);
-        for (const auto& change : song.tempi)
-            if (change.beat > 0.0)
-                project.time ().addTempoChange (change.beat, change.bpm);
-
-        std::vector<Typed> typing;
-        std::vector<std::string> names;
-        std::vector<std::vector<Sim::Note*>> trackNotes;
-        for (const auto& group : partsByTrack (song))
-        {
-            auto& track = project.root ().addInstrumentTrack (group.name);
-            names.push_back (group.name);
-            trackNotes.emplace_back ();
-            synths.push_back (std::make_unique<Sim::SvsPlugin> (group.name));
-            track.addSlot ("Slot 1", synths.back ()->unknown ());
-            for (std::size_t i = 0; i < group.parts.size (); ++i)
-            {
-                const auto& notes = group.parts[i]->notes;
-                double end = 0.0;
-                for (const auto& n : notes)
-                    end = std::max (end, n.end);
-                // The first part starts with the song; a later one with its own first note,
-                // so that it overlaps the part before when it enters while that one sings.
-                // Its content starts with it, so the notes keep their times in the song.
-                auto& part = track.addPart (i == 0 ? 0.0 : notes.front ().start, end + 1.0);
-                for (const auto& n : notes)
-                {
-                    Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
-                    trackNotes.back ().push_back (&note);
-                    if (!n.lyric.empty ())
-                        typing.push_back ({&note, n.lyric});
-                }
-            }
-        }
-        Sim::AgentDriver driver (host, agent);
-        ok = guarded ("the opening of the project", error, [&] {
-            manager.addProject (project);
-            manager.activate (project);
-        });
-        out.timing.build = since (t);
-
-        auto idlePasses = [&] {
-            for (int i = 0; i < options.idlePasses; ++i)
-            {
-                if (options.paced)
-                {
-                    std::this_thread::sleep_for (std::chrono::milliseconds (1010));
-                    driver.idle ();
-                }
-                else
-                    manager.refresh (project);
-                ++out.timing.idleCalls;
-            }
-        };
-
-        t = Clock::now ();
-        // The user types the words in the order of the song, one host edit each.
-        if (ok)
-            ok = guarded ("a lyric edit", error, [&] {
-                for (auto& typed : typing)
-                {
-                    project.typeLyric (*typed.note, typed.lyric, agent);
-                    ++out.timing.lyricEdits;
-                }
-            });
-        out.timing.edits = since (t);
-
-        t = Clock::now ();
-        if (ok)
-            ok = guarded ("an idle pass", error, idlePasses);
-        out.timing.idle = since (t);
-
-        t = Clock::now ();
-        if (ok && (options.undo > 0 || options.redo > 0))
-        {
-            ok = guarded ("undo or redo", error, [&] {
-                for (int i = 0; i < options.undo && project.undo (); ++i)
-                    ++out.timing.undone;
-                for (int i = 0; i < options.redo && project.redo (); ++i)
-                    ++out.timing.redone;
-                idlePasses ();
-            });
-            if (out.timing.undone < options.undo)
-                out.notices.push_back ("the history held only " + std::to_string (out.timing.undone)
-                                       + " edit(s) to undo");
-            if (out.timing.redone < options.redo)
-                out.notices.push_back ("only " + std::to_string (out.timing.redone) + " edit(s) could be redone");
-        }
-        out.timing.history = since (t);
-
-        if (ok && options.showEditor)
-        {
-            std::string reason;
-            if (void* display = openDisplay (reason))
-            {
-                driver.action ("Cantorela Beta Agent", "Show Editor");
-                // The host's main loop: idle calls are what let the window paint.
-                const auto until = Clock::now () + std::chrono::duration<double> (options.editorSeconds);
-                while (Clock::now () < until)
-                {
-                    dispatchWindowMessages ();
-                    driver.idle ();
-                    std::this_thread::sleep_for (std::chrono::milliseconds (20));
-                }
-                closeDisplay (display);
-            }
-            else
-                out.notices.push_back (reason);
-        }
-
-        // What the host holds now, with the texts that the agent wrote back.
-        for (std::size_t i = 0; i < synths.size (); ++i)
-        {
-            Received r {names[i], "Slot 1", synths[i]->title (), synths[i]->notes (), {}, {}};
-            for (const Sim::Note* note : trackNotes[i])
-                r.hostNotes.push_back ({note->start (), note->end (), project.time ().secondsToBeats (note->start ()),
-                                        project.time ().secondsToBeats (note->end ()), note->pitch (),
-                                        note->lyric ()});
-            r.lyrics = lyricsOfRecords (r.notes, r.hostNotes);
-            out.synthesisers.push_back (std::move (r));
-        }
-        out.tempi = song.tempi.empty () ? std::vector<Score::TempoChange> {{0.0, 120.0}} : song.tempi;
-        out.timing.hostCalls = Sim::CallLog::hostCalls ();
-
-        // A host's end: the project goes, the agent is terminated, the histories
-        // let the agent's steps go, and the last reference is dropped.
-        t = Clock::now ();
-        std::string closing;
-        const bool closed = guarded ("the closing of the project", closing, [&] {
-            manager.deactivate ();
-            manager.removeProject (project);
-        });
-        if (ok && !closed)
-        {
-            ok = false;
-            error = closing;
-        }
-        agent->terminate ();
-        manager.clearHistories ();
-        agent->release ();
     }
-    factory->release ();
-    module.bundleExit ();
-    module.unload ();
-    out.timing.teardown = since (t);
-    out.timing.total = since (start);
+    auto& manager = host.projectManager ();
+    Sim::AgentDriver driver (host, agent);
+
+    bool ok;
+    {
+        Stopwatch build (out.timing.build);
+        buildProject (manager, song, projectName, project);
+        ok = guarded ("the opening of the project", error, [&] {
+            manager.addProject (*project.project);
+            manager.activate (*project.project);
+        });
+    }
+    if (ok)
+    {
+        Stopwatch edits (out.timing.edits);
+        ok = guarded ("a lyric edit", error, [&] { typeWords (project, agent, out.timing); });
+    }
+    if (ok)
+    {
+        Stopwatch idle (out.timing.idle);
+        ok = guarded ("an idle pass", error,
+                     [&] { idlePasses (options, manager, *project.project, driver, out.timing); });
+    }
+    if (ok && (options.undo > 0 || options.redo > 0))
+    {
+        Stopwatch history (out.timing.history);
+        ok = guarded ("undo or redo", error, [&] {
+            undoAndRedo (options, *project.project, out.timing);
+            idlePasses (options, manager, *project.project, driver, out.timing);
+        });
+        if (out.timing.undone < options.undo)
+            out.notices.push_back ("the history held only " + std::to_string (out.timing.undone) + " edit(s) to undo");
+        if (out.timing.redone < options.redo)
+            out.notices.push_back ("only " + std::to_string (out.timing.redone) + " edit(s) could be redone");
+    }
+    if (ok && options.showEditor)
+        showEditor (options, driver, out.notices);
+
+    collectReceived (project, out.synthesisers);
+    out.tempi = song.tempi.empty () ? std::vector<Score::TempoChange> {{0.0, 120.0}} : song.tempi;
+    out.timing.hostCalls = Sim::CallLog::hostCalls ();
+
+    // A host's end: the project goes, the agent is terminated, the histories let
+    // the agent's steps go, the last reference is dropped; then the module is unloaded.
+    teardown.emplace (out.timing.teardown);
+    std::string closing;
+    const bool closed = guarded ("the closing of the project", closing, [&] {
+        manager.deactivate ();
+        manager.removeProject (*project.project);
+    });
+    if (ok && !closed)
+    {
+        ok = false;
+        error = closing;
+    }
+    agent->terminate ();
+    manager.clearHistories ();
+    module.releaseAgent ();
     return ok;
 }
 
