@@ -151,6 +151,11 @@ MidiTrack parseTrack (const std::uint8_t* data, std::size_t size, int index)
                 e.kind = MidiEvent::Text;
             else if (type == 0x03)
                 e.kind = MidiEvent::TrackName;
+            else if (type == 0x58 && length >= 2 && std::uint8_t (payload[0]) > 0 && std::uint8_t (payload[1]) <= 6)
+            {
+                e.kind = MidiEvent::TimeSignature;
+                e.value = (std::uint32_t (std::uint8_t (payload[0])) << 8) | (1u << std::uint8_t (payload[1]));
+            }
             e.text = std::move (payload);
             if (e.kind != MidiEvent::Other)
                 track.events.push_back (std::move (e));
@@ -294,6 +299,15 @@ std::vector<std::uint8_t> writeMidi (const MidiFile& file)
             case MidiEvent::Lyric: meta (0x05, e.text); break;
             case MidiEvent::Text: meta (0x01, e.text); break;
             case MidiEvent::TrackName: meta (0x03, e.text); break;
+            case MidiEvent::TimeSignature:
+            {
+                int power = 0;
+                while (power < 6 && (1u << power) < (e.value & 0xFF))
+                    ++power;
+                // 24 clocks a metronome click, 8 thirty-seconds a quarter: the usual values.
+                meta (0x58, std::string {char ((e.value >> 8) & 0xFF), char (power), 24, 8});
+                break;
+            }
             case MidiEvent::Other: break;
             }
         }

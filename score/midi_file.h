@@ -17,6 +17,7 @@ struct MidiEvent
         Lyric,      ///< lyric meta event
         Text,       ///< text meta event (karaoke files carry their words here)
         TrackName,  ///< sequence or track name
+        TimeSignature,  ///< numerator in `value` >> 8, denominator (a power of two) in `value` & 0xFF
         Other       ///< anything else that is well formed; kept for writing only
     };
     std::uint64_t tick = 0;  ///< absolute, from the start of the track

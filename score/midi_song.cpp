@@ -1,6 +1,7 @@
 #include "score/midi_song.h"
 
 #include "score/midi_lyrics.h"
+#include "score/song_position.h"
 #include "score/text_encoding.h"
 #include "score/typed_words.h"
 
@@ -28,7 +29,7 @@ struct Group
 class Clock
 {
 public:
-    Clock (const MidiFile& file, std::vector<TempoChange>& tempi)
+    Clock (const MidiFile& file, std::vector<TempoChange>& tempi, std::vector<MeterChange>& meters) : meters_ (meters)
     {
         if (file.division < 0)
         {
@@ -39,6 +40,13 @@ public:
             return;
         }
         ppq_ = file.division;
+        std::map<std::uint64_t, std::uint32_t> signatures;  // the last one at a tick wins
+        for (const MidiTrack& t : file.tracks)
+            for (const MidiEvent& e : t.events)
+                if (e.kind == MidiEvent::TimeSignature)
+                    signatures[e.tick] = e.value;
+        for (const auto& [tick, value] : signatures)
+            meters.push_back ({double (tick) / ppq_, int (value >> 8), int (value & 0xFF)});
         std::map<std::uint64_t, std::uint32_t> changes;  // the last one at a tick wins
         for (const MidiTrack& t : file.tracks)
             for (const MidiEvent& e : t.events)
@@ -70,6 +78,12 @@ public:
         return s.seconds + double (tick - s.tick) * s.tempo / (1e6 * ppq_);
     }
 
+    /** The place of a tick as messages name it: bar:beat and seconds, or seconds alone in frame time. */
+    std::string place (std::uint64_t tick) const
+    {
+        return placeInSong (meters_, ppq_ == 0 ? -1.0 : double (tick) / ppq_, seconds (tick));
+    }
+
     /** How far before a note its lyric may stand: a sixteenth note, or an eighth of a second. */
     std::uint64_t tolerance () const
     {
@@ -86,6 +100,7 @@ private:
         std::uint32_t tempo;
     };
     std::vector<Segment> segments_;
+    const std::vector<MeterChange>& meters_;
     int ppq_ = 0;
     double secondsPerTick_ = 0.0;
 };
@@ -133,16 +148,16 @@ void collectNotes (const std::vector<const MidiEvent*>& events, std::uint64_t tr
 }
 
 /** Two texts that reach one note are sung together, unless one is to stay as written. */
-bool attach (Group& group, const Lyric& lyric, std::uint64_t tolerance, std::vector<std::string>& warnings)
+bool attach (Group& group, const Lyric& lyric, const Clock& clock, std::vector<std::string>& warnings)
 {
     auto& notes = group.notes;
     auto it = std::lower_bound (notes.begin (), notes.end (), lyric.tick,
                                 [] (const SongNote& n, std::uint64_t t) { return n.startTick < t; });
-    if (it == notes.end () || it->startTick - lyric.tick > tolerance)
+    if (it == notes.end () || it->startTick - lyric.tick > clock.tolerance ())
         return false;
     Syllable& s = it->syllable;
     const Syllable& add = lyric.syllable;
-    const std::string where = group.name + ": the note at tick " + std::to_string (it->startTick);
+    const std::string where = group.name + ": the note at " + clock.place (it->startTick);
     if (s.kind == Syllable::Free || s.kind == Syllable::Held)
         s = add;
     else if (add.kind == Syllable::AsWritten || s.kind == Syllable::AsWritten)
@@ -187,7 +202,7 @@ void markHeldNotes (std::vector<SongNote>& notes, std::uint64_t slack)
 bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const ReadOptions& options)
 {
     out = Song {};
-    Clock clock (file, out.tempi);
+    Clock clock (file, out.tempi, out.meters);
 
     bool anyLyricMeta = false;
     for (const MidiTrack& t : file.tracks)
@@ -244,20 +259,19 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         return false;
     }
 
-    const std::uint64_t tolerance = clock.tolerance ();
     std::stable_sort (lyrics.begin (), lyrics.end (), [] (const Lyric& a, const Lyric& b) { return a.tick < b.tick; });
     int unplaced = 0;
     for (const Lyric& l : lyrics)
     {
         bool placed = false;
         if (l.owner >= 0)
-            placed = attach (groups[static_cast<std::size_t> (l.owner)], l, tolerance, out.warnings);
+            placed = attach (groups[static_cast<std::size_t> (l.owner)], l, clock, out.warnings);
         else
             for (auto& g : groups)
-                if ((placed = attach (g, l, tolerance, out.warnings)))
+                if ((placed = attach (g, l, clock, out.warnings)))
                     break;
         if (!placed && l.syllable.kind != Syllable::Held && ++unplaced <= 5)
-            out.warnings.push_back ("lyric \"" + l.syllable.text + "\" at tick " + std::to_string (l.tick)
+            out.warnings.push_back ("lyric \"" + l.syllable.text + "\" at " + clock.place (l.tick)
                                     + " stands on no note and is left out");
     }
     if (unplaced > 5)
@@ -268,7 +282,7 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         SongTrack t;
         t.name = g.name;
         t.notes = std::move (g.notes);
-        markHeldNotes (t.notes, tolerance);
+        markHeldNotes (t.notes, clock.tolerance ());
         typeLyrics (t.notes);
         for (auto& n : t.notes)
         {

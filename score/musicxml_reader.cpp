@@ -111,15 +111,18 @@ void readTies (const XmlElement& note, ScoreNote& n)
 class PartReader
 {
 public:
-    PartReader (const std::string& verse, std::map<double, double>& tempi) : verse_ (verse), tempi_ (tempi) {}
+    PartReader (const std::string& verse, std::map<double, double>& tempi, std::map<double, MeterChange>& meters)
+        : verse_ (verse), tempi_ (tempi), meters_ (meters)
+    {
+    }
 
     void measure (const XmlElement& m)
     {
         pos_ = start_ = end_;
         for (auto* e : m.getChildIterator ())
         {
-            if (e->hasTagName ("attributes") && number (*e, "divisions", 0.0) > 0.0)
-                divisions_ = number (*e, "divisions", 0.0);
+            if (e->hasTagName ("attributes"))
+                attributes (*e);
             else if (e->hasTagName ("backup"))
                 pos_ = std::max (start_, pos_ - length (*e));
             else if (e->hasTagName ("forward"))
@@ -141,6 +144,22 @@ private:
     double length (const XmlElement& e) const
     {
         return std::clamp (number (e, "duration", 0.0) / divisions_, 0.0, 1e4);
+    }
+
+    void attributes (const XmlElement& e)
+    {
+        if (number (e, "divisions", 0.0) > 0.0)
+            divisions_ = number (e, "divisions", 0.0);
+        if (const XmlElement* time = e.getChildByName ("time"))
+        {
+            // "3+2" beats are a bar of five; a beat type is a power of two.
+            int beats = 0;
+            for (const auto& part : juce::StringArray::fromTokens (time->getChildElementAllSubText ("beats", {}), "+", {}))
+                beats += std::clamp (part.trim ().getIntValue (), 0, 1000);
+            const int type = time->getChildElementAllSubText ("beat-type", {}).trim ().getIntValue ();
+            if (beats > 0 && type > 0 && type <= 64 && (type & (type - 1)) == 0)
+                meters_.emplace (pos_, MeterChange {pos_, beats, type});  // the first part to set one at a beat wins
+        }
     }
 
     void tempo (const XmlElement& sound)
@@ -171,6 +190,7 @@ private:
 
     std::string verse_;
     std::map<double, double>& tempi_;
+    std::map<double, MeterChange>& meters_;
     double divisions_ = 1.0, pos_ = 0.0, start_ = 0.0, end_ = 0.0, lastStart_ = 0.0;
 };
 
@@ -330,11 +350,12 @@ bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions
 
     const std::string verse = std::to_string (options.verse);
     std::map<double, double> marks;
+    std::map<double, MeterChange> meters;
     bool anyWords = false, verseWords = false;
     std::vector<SongTrack> tracks;
     for (const auto& [id, measures] : parts)
     {
-        PartReader reader (verse, marks);
+        PartReader reader (verse, marks, meters);
         for (const XmlElement* m : measures)
             reader.measure (*m);
         for (const auto& n : reader.notes)
@@ -362,6 +383,10 @@ bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions
 
     const TempoMap time (marks);
     out.tempi = time.tempi;
+    for (const auto& [beat, meter] : meters)
+        if (out.meters.empty () || out.meters.back ().numerator != meter.numerator
+            || out.meters.back ().denominator != meter.denominator)
+            out.meters.push_back (meter);
     for (auto& t : tracks)
     {
         for (auto& n : t.notes)

@@ -32,9 +32,18 @@ struct TempoChange
     double bpm = 120.0;
 };
 
+/** A time signature from its beat on: `numerator` beats of a 1/`denominator` note a bar. */
+struct MeterChange
+{
+    double beat = 0.0;  ///< quarter notes from the start
+    int numerator = 4;
+    int denominator = 4;
+};
+
 struct Song
 {
     std::vector<TempoChange> tempi;  ///< the first one at beat 0
+    std::vector<MeterChange> meters; ///< as the file gives them; empty when it gives none
     std::vector<SongTrack> tracks;   ///< only tracks with notes
     std::vector<std::string> warnings;
     double length () const;          ///< the end of the last note, in seconds

@@ -4,6 +4,8 @@
 #include "score/lay_lyrics.h"
 #include "score/midi_song.h"
 #include "score/musicxml_reader.h"
+#include "score/song_position.h"
+#include "score/song_reader.h"
 #include "score/typed_words.h"
 #include "songs/generator/compose.h"
 
@@ -122,6 +124,44 @@ TEST (MidiReader, TempoMapAndFrameTime)
     EXPECT_DOUBLE_EQ (s.tracks.at (0).notes.at (0).end, 1.0);  // 1000 ticks
 }
 
+TEST (SongPosition, BarsAndBeatsFollowTheMetersAndAMidiFileKeepsThem)
+{
+    using M = std::vector<Score::MeterChange>;
+    const struct
+    {
+        M meters;
+        double quarters;
+        const char* place;
+    } cases[] = {
+        {{}, 0.0, "1:1"},                            // 4/4 without a meter
+        {{}, 9.5, "3:2.5"},                          // off the beat
+        {{{0.0, 3, 4}}, 6.0, "3:1"},                 // 3/4
+        {{{0.0, 6, 8}}, 4.5, "2:4"},                 // the beat of 6/8 is an eighth
+        {{{0.0, 4, 4}, {8.0, 3, 4}}, 11.0, "4:1"},   // two bars of 4/4, then 3/4
+        {{{0.0, 4, 4}, {6.0, 2, 4}}, 6.0, "3:1"},    // a change inside a bar starts a new one
+        {{{3.0, 3, 4}}, 4.0, "2:2"},                 // 4/4 until the first meter
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ (Score::barBeat (c.meters, c.quarters), c.place) << c.quarters;
+    EXPECT_EQ (Score::placeInSong ({}, -1.0, 2.5), "2.50 s");  // frame time: no beats
+
+    Score::MidiFile f;
+    f.tracks.push_back ({{{0, Score::MidiEvent::TimeSignature, 0, 0, 0, (6u << 8) | 8u, {}},
+                          {960, Score::MidiEvent::NoteOn, 0, 60, 90, 0, {}},
+                          {1920, Score::MidiEvent::NoteOff, 0, 60, 0, 0, {}}}});
+    Score::Song s;
+    std::string error;
+    ASSERT_TRUE (song (Score::writeMidi (f), s, error)) << error;
+    ASSERT_EQ (s.meters.size (), 1u);
+    EXPECT_EQ (s.meters[0].numerator, 6);
+    EXPECT_EQ (s.meters[0].denominator, 8);
+
+    // A score's <time>, once however many parts repeat it.
+    ASSERT_TRUE (Score::readSong (std::string (SONGS_DIR) + "/lantern.musicxml", {}, s, error)) << error;
+    ASSERT_EQ (s.meters.size (), 1u);
+    EXPECT_EQ (s.meters[0].numerator * 10 + s.meters[0].denominator, 44);
+}
+
 TEST (MidiReader, BadFilesSayWhy)
 {
     const Bytes good = Score::writeMidi (Songs::duet ());
@@ -177,7 +217,8 @@ TEST (MidiReader, LyricsLandOnTheirNotes)
     const int sixteenth = 24, ppq = 96;
     auto meta = [] (std::uint8_t type, const std::string& text) {
         Bytes b = {0xFF, type, std::uint8_t (text.size ())};
-        b.insert (b.end (), text.begin (), text.end ());
+        for (char c : text)
+            b.push_back (std::uint8_t (c));
         return b;
     };
     auto cat = [] (std::initializer_list<Bytes> parts) {
