@@ -228,6 +228,10 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
             else if (e.kind == (anyLyricMeta ? MidiEvent::Lyric : MidiEvent::Text))
                 texts.push_back ({e.tick, toUtf8 (e.text)});
         }
+        // A format 0 file's one name, or the name of a format 1 file's first track
+        // when it holds no notes (the conductor track), names the song.
+        if (ti == 0 && (file.format == 0 || byChannel.empty ()))
+            out.title = name;
         if (name.empty ())
             name = "Track " + std::to_string (ti + 1);
         std::vector<std::string> notices;

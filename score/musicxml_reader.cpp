@@ -329,6 +329,11 @@ bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions
         return false;
     }
 
+    if (const XmlElement* work = root->getChildByName ("work"))
+        out.title = toUtf8 (trimBlanks (work->getChildElementAllSubText ("work-title", {}).toStdString ()));
+    if (out.title.empty ())
+        out.title = toUtf8 (trimBlanks (root->getChildElementAllSubText ("movement-title", {}).toStdString ()));
+
     std::map<std::string, std::string> names;
     if (const XmlElement* list = root->getChildByName ("part-list"))
         for (auto* part : list->getChildWithTagNameIterator ("score-part"))

@@ -42,6 +42,7 @@ struct MeterChange
 
 struct Song
 {
+    std::string title;               ///< as the file names the song; empty when it doesn't
     std::vector<TempoChange> tempi;  ///< the first one at beat 0
     std::vector<MeterChange> meters; ///< as the file gives them; empty when it gives none
     std::vector<SongTrack> tracks;   ///< only tracks with notes

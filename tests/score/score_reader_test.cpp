@@ -156,8 +156,9 @@ TEST (SongPosition, BarsAndBeatsFollowTheMetersAndAMidiFileKeepsThem)
     EXPECT_EQ (s.meters[0].numerator, 6);
     EXPECT_EQ (s.meters[0].denominator, 8);
 
-    // A score's <time>, once however many parts repeat it.
+    // A score's <time>, once however many parts repeat it; its title.
     ASSERT_TRUE (Score::readSong (std::string (SONGS_DIR) + "/lantern.musicxml", {}, s, error)) << error;
+    EXPECT_EQ (s.title, "Lantern");
     ASSERT_EQ (s.meters.size (), 1u);
     EXPECT_EQ (s.meters[0].numerator * 10 + s.meters[0].denominator, 44);
 }
