@@ -70,6 +70,8 @@ in the host's project, turns the lyrics typed on notes into phonemes and hands e
 note list. With the workbench, a simulated host that runs the module on a song file, and lyric2phoneme, \
 the converter on its own.")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+# scripts/package.sh builds the tree first; cpack need not walk the whole build again.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 set(CPACK_STRIP_FILES ON)
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
