@@ -1,5 +1,6 @@
 // GetPluginFactory and the one class that the module offers.
 #include "agent/agent.h"
+#include "agent/module_info.h"
 #include "agent/plugin_factory.h"
 
 #include <cstring>
@@ -10,8 +11,8 @@ namespace {
 
 const Steinberg::PFactoryInfo& factoryInfo ()
 {
-    static const Steinberg::PFactoryInfo info ("Zelmor Corporation", "https://www.zelmor.example/cantorela",
-                                               "", 24 /* kComponentNonDiscardable | kUnicode */);
+    static const Steinberg::PFactoryInfo info (ModuleInfo::vendor, ModuleInfo::url, ModuleInfo::email,
+                                               ModuleInfo::flags);
     return info;
 }
 
@@ -22,14 +23,15 @@ std::once_flag classInfoFilled;
 void fillClassInfo ()
 {
     classInfo = Steinberg::PClassInfo2 {};
-    static const Steinberg::TUID cid = INLINE_UID (0x13EA3FBB, 0xE8FB4FC5, 0xAF9D5329, 0xA091EB19);
+    using namespace ModuleInfo;
+    static const Steinberg::TUID cid = INLINE_UID (classId[0], classId[1], classId[2], classId[3]);
     std::memcpy (classInfo.cid, cid, sizeof (Steinberg::TUID));
-    classInfo.cardinality = 1;
-    std::strncpy (classInfo.category, "Service", sizeof (classInfo.category) - 1);
-    std::strncpy (classInfo.name, "Cantorela Beta", sizeof (classInfo.name) - 1);
-    classInfo.classFlags = 0;
-    std::strncpy (classInfo.version, "1.1.3", sizeof (classInfo.version) - 1);
-    std::strncpy (classInfo.sdkVersion, "4.2", sizeof (classInfo.sdkVersion) - 1);
+    classInfo.cardinality = cardinality;
+    std::strncpy (classInfo.category, category, sizeof (classInfo.category) - 1);
+    std::strncpy (classInfo.name, name, sizeof (classInfo.name) - 1);
+    classInfo.classFlags = classFlags;
+    std::strncpy (classInfo.version, version, sizeof (classInfo.version) - 1);
+    std::strncpy (classInfo.sdkVersion, sdkVersion, sizeof (classInfo.sdkVersion) - 1);
 }
 
 } // namespace

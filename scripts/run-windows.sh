@@ -10,37 +10,14 @@ build_win="${CANTORELA_WINDOWS_BUILD_DIR:-$root/build-win}"
 jobs="${CANTORELA_JOBS:-$(nproc)}"
 stamp() { printf '[windows %s] %s\n' "$(date +%H:%M:%S)" "$*"; }
 
-# --- What the stage needs, from Debian's packages --------------------------------------
-bash "$root/scripts/install-deps.sh"
-packages=(g++-mingw-w64-x86-64-posix wine wine64 libz-mingw-w64-dev xvfb unicode-data
-          dpkg-dev python3 googletest)
-missing=()
-for package in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing+=("$package")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  stamp "installing: ${missing[*]}"
-  sudo_cmd=""
-  [ "$(id -u)" -ne 0 ] && sudo_cmd="sudo"
-  $sudo_cmd apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive $sudo_cmd apt-get install -y -qq "${missing[@]}" > /dev/null
-fi
+# --- What the stage needs, and the cross-build ---------------------------------------------
+bash "$root/scripts/windows-build.sh"
 
-# --- Builds -----------------------------------------------------------------------------
-stamp "libraries from Debian sources"
-bash "$root/scripts/windows-deps.sh" "$build_win"
-
-stamp "cross-build"
-cmake -S "$root" -B "$build_win" -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" \
-      -DCANTORELA_WINDOWS_PREFIX="$build_win/deps/prefix" -DCMAKE_BUILD_TYPE=Release \
-      -DCANTORELA_BUILD_BENCH=OFF > "$build_win/configure.log"
-cmake --build "$build_win" -j "$jobs"
-
-# The Linux workbench, for the comparison (CI's first stage has built it already).
-if [ ! -x "$build/workbench/cli/workbench" ]; then
+# The Linux programs, for the comparison (CI's first stage has built them already).
+if [ ! -x "$build/workbench/cli/workbench" ] || [ ! -x "$build/phoneme/lyric2phoneme" ]; then
   stamp "Linux workbench"
   cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE="${CMAKE_BUILD_TYPE:-RelWithDebInfo}" > /dev/null
-  cmake --build "$build" -j "$jobs" --target workbench
+  cmake --build "$build" -j "$jobs" --target workbench lyric2phoneme
 fi
 
 # --- Wine: one X server, one Wine server, a private prefix with a virtual desktop ------
@@ -107,6 +84,43 @@ for song in songs/*; do
 done
 echo "workbench JSON equal to Linux: $((compared - differing)) passed, $differing failed"
 [ "$compared" -gt 0 ] && [ "$differing" -eq 0 ] || failed=1
+
+# The zip as a user gets it: unpacked, the workbench run with no module named must take the
+# bundle beside it, and, once the bundle is copied into Common Files\VST3 with the line of
+# docs/install.md and gone from beside it, that one. Wine's loader says which it loaded.
+stamp "the Windows zip"
+zip_failed=0
+zip_fault () { echo "zip: $*"; zip_failed=1; }
+unpacked_root="$build_win/zip-check"
+common_vst3="$WINEPREFIX/drive_c/Program Files/Common Files/VST3"
+rm -rf "$unpacked_root" "$common_vst3/CantorelaBetaAgent.vst3" && mkdir -p "$unpacked_root"
+if zip="$(bash "$root/scripts/package.sh" windows-zip --no-build | tail -n 1)"; then
+  (cd "$unpacked_root" && cmake -E tar xf "$zip")
+  top="$(basename "$zip" .zip)"
+  unpacked="$unpacked_root/$top"
+  # $1 the run's name, $2 a pattern for the folder the module must come from.
+  zip_run () {
+    WINEDEBUG=+loaddll wine "$unpacked/workbench.exe" songs/morning.mid --json \
+      > "$unpacked_root/$1.json" 2> "$unpacked_root/$1.err" || true
+    cmp -s "$linux_json/morning.mid.json" "$unpacked_root/$1.json" \
+      || zip_fault "$1: the JSON differs from Linux's: $(grep -v ':trace:' "$unpacked_root/$1.err" | head -n 3)"
+    grep -q "Loaded L\".*$2.*x86_64-win.*CantorelaBetaAgent\.vst3\"" "$unpacked_root/$1.err" \
+      || zip_fault "$1: the module was not loaded from $2"
+  }
+  zip_run beside "zip-check.*$top.*CantorelaBetaAgent\.vst3"
+  # The very line of the documentation, run by Windows' own command interpreter.
+  grep '^xcopy ' "$root/docs/install.md" | sed 's/$/\r/' > "$unpacked_root/install.bat"
+  (cd "$unpacked_root" && wine cmd /c install.bat > xcopy.log 2>&1) \
+    || zip_fault "the xcopy line of docs/install.md failed: $(tr -d '\r' < "$unpacked_root/xcopy.log" | tail -n 2)"
+  rm -rf "$unpacked/CantorelaBetaAgent.vst3"
+  zip_run common-files "Common Files.*VST3.*CantorelaBetaAgent\.vst3"
+  rm -rf "$common_vst3/CantorelaBetaAgent.vst3"
+  [ "$(wine "$unpacked/lyric2phoneme.exe" hello 2> /dev/null | tr -d '\r')" = "$("$build/phoneme/lyric2phoneme" hello)" ] \
+    || zip_fault "lyric2phoneme.exe converts otherwise than the Linux build"
+else
+  zip_fault "no zip was made"
+fi
+[ "$zip_failed" -eq 0 ] && echo "Windows zip: passed" || failed=1
 
 stamp "done"
 exit "$failed"

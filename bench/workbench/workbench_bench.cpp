@@ -4,6 +4,8 @@
 // 2,000 notes with words: reading it (syllables joined into typed words), and
 // its whole life.
 #include "workbench/cli/session.h"
+#include "workbench/loader/module_loader.h"
+#include "workbench/loader/module_search.h"
 #include "score/midi_song.h"
 #include "score/musicxml_reader.h"
 #include "songs/generator/compose.h"
@@ -45,6 +47,27 @@ void WholeSong (benchmark::State& state)
     state.counters["host_calls"] = static_cast<double> (last.timing.hostCalls);
 }
 BENCHMARK (WholeSong)->Arg (0)->Arg (20)->Unit (benchmark::kMillisecond)->UseRealTime ()->Iterations (3);
+
+/** The search for the module when none is named, every place looked at (none holds it here). */
+void FindModule (benchmark::State& state)
+{
+    std::string path, error;
+    for (auto _ : state)
+        benchmark::DoNotOptimize (Sim::findDefaultModule (path, error));
+    state.counters["places"] = static_cast<double> (Sim::defaultModulePlaces ().size ());
+}
+BENCHMARK (FindModule)->Unit (benchmark::kMicrosecond);
+
+/** The baseline the search comes before: loading the module, entering it and unloading it. */
+void LoadModule (benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        Sim::LoadedModule module (CANTORELA_MODULE_PATH);
+        benchmark::DoNotOptimize (module.bundleEntry () && module.bundleExit ());
+    }
+}
+BENCHMARK (LoadModule)->Unit (benchmark::kMicrosecond)->UseRealTime ()->Iterations (20);
 
 /** 2,000 notes of one voice: words of one to three syllables, held notes inside words and on extension lines. */
 std::string score2000 ()

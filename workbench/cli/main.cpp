@@ -5,6 +5,7 @@
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
 #include "workbench/cli/song_file.h"
+#include "workbench/loader/module_search.h"
 
 #include "score/file_bytes.h"
 #include "score/lay_lyrics.h"
@@ -14,10 +15,6 @@
 
 #include <cstdio>
 #include <string>
-
-#ifndef CANTORELA_MODULE_PATH
-#define CANTORELA_MODULE_PATH "CantorelaBetaAgent.vst3"
-#endif
 
 namespace {
 
@@ -68,7 +65,6 @@ bool layLyrics (const Workbench::CommandLine& command, Score::Song& song, std::s
 int main (int argc, char** argv)
 {
     Workbench::CommandLine command;
-    command.run.modulePath = CANTORELA_MODULE_PATH;
     std::string error;
     if (!Workbench::parseCommandLine (argc - 1, argv + 1, command, error))
         return fail (error + "\n" + Workbench::usage, 2);
@@ -77,6 +73,8 @@ int main (int argc, char** argv)
         std::fputs (Workbench::usage, stdout);
         return 0;
     }
+    if (command.run.modulePath.empty () && !Sim::findDefaultModule (command.run.modulePath, error))
+        return fail (error);
 
     Score::Song song;
     std::string name;

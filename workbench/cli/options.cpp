@@ -10,7 +10,7 @@ const char* const usage =
     "  and prints the note list each synthesiser received. SONG is a MIDI file\n"
     "  (.mid, .kar) or a MusicXML score (.musicxml, .xml, .mxl).\n"
     "options:\n"
-    "  --module PATH        the module bundle or .so to load (default: the one in the build folder)\n"
+    "  --module PATH        the module bundle or .so to load (default: beside the program, else in the VST3 folders)\n"
     "  --json               print JSON instead of the table\n"
     "  --piano-roll FILE    also draw the received notes into a PNG\n"
     "  --write-midi FILE    also write the song as the host's notes stand at the end, lyrics written back\n"
