@@ -1,5 +1,6 @@
 #include "sequence/sequence_difference.h"
 
+#include "sequence/common_subsequence.h"
 #include "sequence/edit_application.h"
 
 #include <algorithm>
@@ -12,78 +13,27 @@ namespace Zelmor {
 
 namespace {
 
-// The longest-common-subsequence counts T(i, j) of the heads O[0, i) and
-// N[0, j) of the two lists, with cells kept only where the lists differ.
-// Within the common head of length p the heads agree, so T(i, j) = min(i, j)
-// wherever i <= p or j <= p; beyond it the common head is part of a longest
-// common subsequence, so T(i, j) = p + M(i - p, j - p), M being the table over
-// the middles alone. The common tail needs no cells: the walk back passes it
-// by matches, which it takes without reading the table.
-class TrimmedTable {
-public:
-    TrimmedTable(const std::vector<SequenceNote>& oldNotes, const std::vector<SequenceNote>& newNotes,
-                 std::size_t head, std::size_t oldMiddle, std::size_t newMiddle)
-        : head(head), cols(newMiddle + 1)
-    {
-        // The counters are 32-bit and so is the cell count: refuse a table whose
-        // size would not fit rather than allocate a short one.
-        const uint64_t cells = static_cast<uint64_t>(oldMiddle + 1) * static_cast<uint64_t>(cols);
-        if (oldMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
-            || newMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
-            || cells > static_cast<uint64_t>(std::numeric_limits<int32_t>::max()))
-            throw std::length_error("note table too large");
-        // Only a middle with notes on both sides is ever read beyond the head.
-        if (oldMiddle == 0 || newMiddle == 0)
-            return;
-        middle.assign(static_cast<std::size_t>(cells), 0);
-        const SequenceNote* o = oldNotes.data() + head;
-        const SequenceNote* n = newNotes.data() + head;
-        for (std::size_t i = 1; i <= oldMiddle; ++i) {
-            int32_t* row = &middle[i * cols];
-            const int32_t* above = row - cols;
-            for (std::size_t j = 1; j < cols; ++j) {
-                if (equals(o[i - 1], n[j - 1]))
-                    row[j] = above[j - 1] + 1;
-                else
-                    row[j] = std::max(above[j], row[j - 1]);
-            }
-        }
-    }
-
-    uint64_t operator()(std::size_t i, std::size_t j) const
-    {
+// The walk back, over counts T(i, j) of the whole lists that are kept only for
+// the middles: the stretch between the common head (length `head`) and the
+// common tail. Within the head the lists agree, so T(i, j) = min(i, j)
+// wherever i <= head or j <= head; beyond it the head is part of some longest
+// common subsequence, so T(i, j) = head + the middles' own count at
+// (i - head, j - head). The tail needs no counts: the walk passes it by
+// matches, which it takes without reading a count. So the script is, edit for
+// edit, the one a table over the whole lists gives.
+template <typename MiddleCounts>
+NoteEditList walkBack(const std::vector<SequenceNote>& oldNotes, const std::vector<SequenceNote>& newNotes,
+                      std::size_t head, std::size_t tail, const MiddleCounts& middle)
+{
+    auto cell = [&](std::size_t i, std::size_t j) -> uint64_t {
         if (i <= head || j <= head)
             return std::min(i, j);
-        return head + static_cast<uint64_t>(middle[(i - head) * cols + (j - head)]);
-    }
+        return head + middle(i - head, j - head);
+    };
 
-private:
-    std::size_t head;
-    std::size_t cols;
-    std::vector<int32_t> middle;
-};
-
-} // namespace
-
-NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
-                       const std::vector<SequenceNote>& newNotes)
-{
-    const std::size_t m = oldNotes.size();
-    const std::size_t n = newNotes.size();
-
-    std::size_t head = 0;
-    while (head < m && head < n && equals(oldNotes[head], newNotes[head]))
-        ++head;
-    std::size_t tail = 0;
-    while (tail < m - head && tail < n - head && equals(oldNotes[m - 1 - tail], newNotes[n - 1 - tail]))
-        ++tail;
-    const TrimmedTable cell(oldNotes, newNotes, head, m - head - tail, n - head - tail);
-
-    // The walk back starts behind the common tail, which it would only pass
-    // by matches.
     NoteEditList edits;
-    std::size_t i = m - tail;
-    std::size_t j = n - tail;
+    std::size_t i = oldNotes.size() - tail;
+    std::size_t j = newNotes.size() - tail;
     while (i > 0 && j > 0) {
         // Within the common head on the diagonal nothing but matches is left.
         if (i == j && i <= head)
@@ -105,6 +55,45 @@ NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
     for (; j > 0; --j)
         edits.push_back(NoteEdit{kNoteInsert, 0, newNotes[j - 1]});
     return edits;
+}
+
+} // namespace
+
+NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
+                       const std::vector<SequenceNote>& newNotes)
+{
+    const std::size_t m = oldNotes.size();
+    const std::size_t n = newNotes.size();
+    std::size_t head = 0;
+    while (head < m && head < n && equals(oldNotes[head], newNotes[head]))
+        ++head;
+    std::size_t tail = 0;
+    while (tail < m - head && tail < n - head && equals(oldNotes[m - 1 - tail], newNotes[n - 1 - tail]))
+        ++tail;
+    const std::size_t oldMiddle = m - head - tail;
+    const std::size_t newMiddle = n - head - tail;
+
+    // The counters are 32-bit and so is the cell count: refuse a change whose
+    // table would not fit rather than allocate a short one.
+    const uint64_t cells = static_cast<uint64_t>(oldMiddle + 1) * static_cast<uint64_t>(newMiddle + 1);
+    if (oldMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
+        || newMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
+        || cells > static_cast<uint64_t>(std::numeric_limits<int32_t>::max()))
+        throw std::length_error("note table too large");
+
+    // A middle empty on one side is never read beyond the head.
+    if (oldMiddle == 0 || newMiddle == 0)
+        return walkBack(oldNotes, newNotes, head, tail, [](std::size_t, std::size_t) { return uint64_t{0}; });
+
+    // Changes few against the middle's size are counted by the edits that
+    // reach each cell; many, by the whole table over the middles. The front
+    // may take an eighth of the table's entries, or 64, before it gives way.
+    const SequenceNote* a = oldNotes.data() + head;
+    const SequenceNote* b = newNotes.data() + head;
+    EditFront front(a, oldMiddle, b, newMiddle);
+    if (front.build(std::max<std::size_t>(static_cast<std::size_t>(cells / 8), 64)))
+        return walkBack(oldNotes, newNotes, head, tail, front);
+    return walkBack(oldNotes, newNotes, head, tail, CountTable(a, oldMiddle, b, newMiddle));
 }
 
 void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes)

@@ -61,7 +61,7 @@ TEST(SequenceDifference, AgreesWithTheFullTableAndRunsBothWays)
 {
     std::mt19937 rng(20240612u);
     auto pick = [&](std::size_t n) { return std::uniform_int_distribution<std::size_t>(0, n - 1)(rng); };
-    for (int pair = 0; pair < 20000; ++pair) {
+    for (int pair = 0; pair < 40000; ++pair) {
         std::vector<SequenceNote> kinds;
         for (std::size_t k = 0, count = 1 + pick(pair % 3 == 0 ? 2 : 6); k < count; ++k)
             kinds.push_back(makeNote(double(k), std::string(1, char('a' + k)), int(k)));
@@ -74,6 +74,9 @@ TEST(SequenceDifference, AgreesWithTheFullTableAndRunsBothWays)
         for (std::size_t r = pick(12); r > 0; --r)
             addRun(o, o.size());
         std::vector<SequenceNote> n = o;
+        if (pick(8) == 0) // a list of its own: many changes
+            for (std::size_t r = n.size() / 3; r > 0; --r)
+                addRun(n, pick(n.size() + 1));
         for (std::size_t c = pick(4); c > 0; --c) {
             const std::size_t where = pick(3), what = pick(4);
             const std::size_t at = where == 0 ? 0 : where == 1 ? n.size() : pick(n.size() + 1);
