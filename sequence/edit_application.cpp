@@ -14,8 +14,9 @@ struct Step {
     const SequenceNote* note;
 };
 
+// The edits in the order in which they act, or with `lastFirst` in the reverse of it.
 template <typename Visit>
-void forEachStep(const NoteEditList& edits, EditDirection direction, Visit&& visit)
+void forEachStep(const NoteEditList& edits, EditDirection direction, Visit&& visit, bool lastFirst = false)
 {
     const bool forwards = direction == EditDirection::forwards;
     auto one = [&](const NoteEdit& edit) {
@@ -23,7 +24,7 @@ void forEachStep(const NoteEditList& edits, EditDirection direction, Visit&& vis
             return;
         visit(Step{(edit.op == kNoteInsert) == forwards, edit.index, &edit.note});
     };
-    if (forwards) {
+    if (forwards != lastFirst) {
         for (const NoteEdit& edit : edits)
             one(edit);
     } else {
@@ -86,26 +87,30 @@ void runOneByOne(std::vector<SequenceNote>& notes, const NoteEditList& edits, Ed
     });
 }
 
-// Positions fall from edit to edit: what lies behind an edit's position is
-// final once it is done, so the new list fills from its end.
+// Positions fall from edit to edit, and an edit leaves what lies before its
+// position as the old list had it: each position is one of the old list, and
+// taken from the last edit to the first they rise, so the new list fills
+// from its start. Inserts at one position come out last acted first, which
+// is the order they end in.
 void runFromBack(std::vector<SequenceNote>& notes, const NoteEditList& edits, EditDirection direction,
                  std::size_t finalSize)
 {
-    std::vector<SequenceNote> out(finalSize);
-    std::size_t write = finalSize;
-    std::size_t untouched = notes.size();
-    forEachStep(edits, direction, [&](const Step& step) {
-        const auto index = static_cast<std::size_t>(step.index);
-        const std::size_t keepFrom = step.insert ? index : index + 1;
-        while (untouched > keepFrom)
-            out[--write] = std::move(notes[--untouched]);
-        if (step.insert)
-            out[--write] = *step.note;
-        else
-            --untouched;
-    });
-    while (untouched > 0)
-        out[--write] = std::move(notes[--untouched]);
+    std::vector<SequenceNote> out;
+    out.reserve(finalSize);
+    std::size_t taken = 0;
+    forEachStep(
+        edits, direction,
+        [&](const Step& step) {
+            while (taken < step.index)
+                out.push_back(std::move(notes[taken++]));
+            if (step.insert)
+                out.push_back(*step.note);
+            else
+                ++taken;
+        },
+        true);
+    while (taken < notes.size())
+        out.push_back(std::move(notes[taken++]));
     notes.swap(out);
 }
 

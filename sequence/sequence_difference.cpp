@@ -57,6 +57,15 @@ NoteEditList walkBack(const std::vector<SequenceNote>& oldNotes, const std::vect
     return edits;
 }
 
+// The back of redoStack onto the notes and onto undoStack; the hash is the caller's.
+void redoScript(TrackSequence& track)
+{
+    NoteEditList edits = std::move(track.redoStack.back());
+    track.redoStack.pop_back();
+    runEdits(track.notes, edits, EditDirection::forwards);
+    track.undoStack.push_back(std::move(edits));
+}
+
 } // namespace
 
 NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
@@ -98,23 +107,27 @@ NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
 
 void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes)
 {
+    diffAndApply(track, newNotes, hashSequence(newNotes));
+}
+
+void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes, uint64_t newHash)
+{
     NoteEditList edits = diffNotes(track.notes, newNotes);
 
     // A new change ends the redo chain; recording then takes the very path
     // of a redo so that the two cannot drift apart.
     std::deque<NoteEditList>().swap(track.redoStack);
     track.redoStack.push_back(std::move(edits));
-    applyRedo(track);
+    redoScript(track);
+    // The notes now equal `newNotes` in every field that the hash reads.
+    track.orderHash = newHash;
 }
 
 void applyRedo(TrackSequence& track)
 {
     if (track.redoStack.empty())
         return;
-    NoteEditList edits = std::move(track.redoStack.back());
-    track.redoStack.pop_back();
-    runEdits(track.notes, edits, EditDirection::forwards);
-    track.undoStack.push_back(std::move(edits));
+    redoScript(track);
     track.orderHash = hashSequence(track.notes);
 }
 

@@ -23,6 +23,9 @@ NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
 // script stay the old records (old muted, transpose, soundStart, ...).
 // On failure the track is left untouched.
 void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes);
+// The same, for a caller that has hashSequence(newNotes) at hand already: the
+// track's hash is then not computed over the list a second time.
+void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes, uint64_t newHash);
 
 // Moves the back of redoStack onto the notes and onto undoStack.
 void applyRedo(TrackSequence& track);
