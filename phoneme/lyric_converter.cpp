@@ -77,18 +77,18 @@ void distributeSyllables(const std::vector<std::string>& syllables, const std::s
     const size_t m = syllables.size();
     std::vector<int32_t> count(m, 0);
     long letter = -1;
+    // Letters only grow along the text and the piece ends are running sums, so
+    // the piece a hyphen falls in only moves forward: one pass for the word.
+    size_t piece = 0;
     for (char c : hyphenated) {
         if (c != '-') {
             ++letter;
             continue;
         }
-        size_t index = 0;
-        for (size_t p = 0; p < pieceEnds.size(); ++p) {
-            if (static_cast<long>(pieceEnds[p]) > letter) {
-                index = p;
-                break;
-            }
-        }
+        while (piece < pieceEnds.size() && static_cast<long>(pieceEnds[piece]) <= letter)
+            ++piece;
+        // Past the last piece the hyphen counts for the first syllable.
+        const size_t index = piece < pieceEnds.size() ? piece : 0;
         ++count[std::min(index, m - 1)];
     }
 

@@ -77,28 +77,28 @@ std::string utf8Trim(const std::string& text)
 
 LyricParts splitLyricText(const std::string& text)
 {
+    // Malformed text raises what a scan by code points meets first: the
+    // library's own error for the first bad sequence from the start.
+    const auto bad = utf8::find_invalid(text.begin(), text.end());
+    if (bad != text.end()) {
+        ByteIt at = bad;
+        utf8::next(at, text.end());
+    }
+
+    // The brackets are ASCII, which valid UTF-8 never holds inside a longer
+    // sequence: their byte positions order as their code point positions do.
     LyricParts parts;
-    const std::ptrdiff_t open = utf8IndexOf(text, U'[');
-    const std::ptrdiff_t close = utf8LastIndexOf(text, U']');
-    if (open < 0 || close < 0 || close <= open) {
+    const std::size_t open = text.find('[');
+    const std::size_t close = text.rfind(']');
+    if (open == std::string::npos || close == std::string::npos || close <= open) {
         parts.word = text;
         return parts;
     }
     // Of several opening brackets, the one nearest the final ']' counts.
-    const std::string stretch = utf8Substring(text, static_cast<std::size_t>(open),
-                                              static_cast<std::size_t>(close - open + 1));
-    const std::ptrdiff_t k = open + utf8LastIndexOf(stretch, U'[');
-    parts.word = utf8Substring(text, 0, static_cast<std::size_t>(k));
-
-    const std::string bracketed = utf8Substring(text, static_cast<std::size_t>(k),
-                                                static_cast<std::size_t>(close - k + 1));
-    if (utf8Length(bracketed) < 2)
-        return parts;
-    const std::ptrdiff_t a = utf8IndexOf(bracketed, U'[');
-    const std::ptrdiff_t b = utf8LastIndexOf(bracketed, U']');
-    parts.hint = utf8Trim(utf8Substring(bracketed, static_cast<std::size_t>(a + 1),
-                                        static_cast<std::size_t>(b - a - 1)));
+    const std::size_t k = text.rfind('[', close);
+    parts.word = text.substr(0, k);
     // Anything after the final ']' is dropped.
+    parts.hint = utf8Trim(text.substr(k + 1, close - k - 1));
     return parts;
 }
 

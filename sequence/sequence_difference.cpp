@@ -1,5 +1,8 @@
 #include "sequence/sequence_difference.h"
 
+#include "sequence/common_subsequence.h"
+#include "sequence/edit_application.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -10,55 +13,31 @@ namespace Zelmor {
 
 namespace {
 
-// Positions come from our own scripts; one that does not fit could only come
-// from a hand-built stack, and skipping it keeps the list in one piece.
-void insertAt(std::vector<SequenceNote>& notes, uint64_t index, const SequenceNote& note)
+// The walk back, over counts T(i, j) of the whole lists that are kept only for
+// the middles: the stretch between the common head (length `head`) and the
+// common tail. Within the head the lists agree, so T(i, j) = min(i, j)
+// wherever i <= head or j <= head; beyond it the head is part of some longest
+// common subsequence, so T(i, j) = head + the middles' own count at
+// (i - head, j - head). The tail needs no counts: the walk passes it by
+// matches, which it takes without reading a count. So the script is, edit for
+// edit, the one a table over the whole lists gives.
+template <typename MiddleCounts>
+NoteEditList walkBack(const std::vector<SequenceNote>& oldNotes, const std::vector<SequenceNote>& newNotes,
+                      std::size_t head, std::size_t tail, const MiddleCounts& middle)
 {
-    if (index <= notes.size())
-        notes.insert(notes.begin() + static_cast<std::ptrdiff_t>(index), note);
-}
-
-void removeAt(std::vector<SequenceNote>& notes, uint64_t index)
-{
-    if (index < notes.size())
-        notes.erase(notes.begin() + static_cast<std::ptrdiff_t>(index));
-}
-
-} // namespace
-
-NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
-                       const std::vector<SequenceNote>& newNotes)
-{
-    const std::size_t m = oldNotes.size();
-    const std::size_t n = newNotes.size();
-
-    // The counters are 32-bit and so is the cell count: refuse a table whose
-    // size would not fit rather than allocate a short one.
-    const std::size_t cols = n + 1;
-    const uint64_t cells = static_cast<uint64_t>(m + 1) * static_cast<uint64_t>(cols);
-    if (m >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
-        || n >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
-        || cells > static_cast<uint64_t>(std::numeric_limits<int32_t>::max()))
-        throw std::length_error("note table too large");
-
-    // The whole table is kept on purpose: it makes the walk back and its
-    // tie-breaks exact, at m*n*4 bytes for the length of one call.
-    std::vector<int32_t> table(static_cast<std::size_t>(cells), 0);
-    auto cell = [&](std::size_t i, std::size_t j) -> int32_t& { return table[i * cols + j]; };
-
-    for (std::size_t i = 1; i <= m; ++i) {
-        for (std::size_t j = 1; j <= n; ++j) {
-            if (equals(oldNotes[i - 1], newNotes[j - 1]))
-                cell(i, j) = cell(i - 1, j - 1) + 1;
-            else
-                cell(i, j) = std::max(cell(i - 1, j), cell(i, j - 1));
-        }
-    }
+    auto cell = [&](std::size_t i, std::size_t j) -> uint64_t {
+        if (i <= head || j <= head)
+            return std::min(i, j);
+        return head + middle(i - head, j - head);
+    };
 
     NoteEditList edits;
-    std::size_t i = m;
-    std::size_t j = n;
+    std::size_t i = oldNotes.size() - tail;
+    std::size_t j = newNotes.size() - tail;
     while (i > 0 && j > 0) {
+        // Within the common head on the diagonal nothing but matches is left.
+        if (i == j && i <= head)
+            return edits;
         if (equals(oldNotes[i - 1], newNotes[j - 1])) {
             --i;
             --j;
@@ -78,7 +57,60 @@ NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
     return edits;
 }
 
+// The back of redoStack onto the notes and onto undoStack; the hash is the caller's.
+void redoScript(TrackSequence& track)
+{
+    NoteEditList edits = std::move(track.redoStack.back());
+    track.redoStack.pop_back();
+    runEdits(track.notes, edits, EditDirection::forwards);
+    track.undoStack.push_back(std::move(edits));
+}
+
+} // namespace
+
+NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
+                       const std::vector<SequenceNote>& newNotes)
+{
+    const std::size_t m = oldNotes.size();
+    const std::size_t n = newNotes.size();
+    std::size_t head = 0;
+    while (head < m && head < n && equals(oldNotes[head], newNotes[head]))
+        ++head;
+    std::size_t tail = 0;
+    while (tail < m - head && tail < n - head && equals(oldNotes[m - 1 - tail], newNotes[n - 1 - tail]))
+        ++tail;
+    const std::size_t oldMiddle = m - head - tail;
+    const std::size_t newMiddle = n - head - tail;
+
+    // The counters are 32-bit and so is the cell count: refuse a change whose
+    // table would not fit rather than allocate a short one.
+    const uint64_t cells = static_cast<uint64_t>(oldMiddle + 1) * static_cast<uint64_t>(newMiddle + 1);
+    if (oldMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
+        || newMiddle >= static_cast<std::size_t>(std::numeric_limits<int32_t>::max())
+        || cells > static_cast<uint64_t>(std::numeric_limits<int32_t>::max()))
+        throw std::length_error("note table too large");
+
+    // A middle empty on one side is never read beyond the head.
+    if (oldMiddle == 0 || newMiddle == 0)
+        return walkBack(oldNotes, newNotes, head, tail, [](std::size_t, std::size_t) { return uint64_t{0}; });
+
+    // Changes few against the middle's size are counted by the edits that
+    // reach each cell; many, by the whole table over the middles. The front
+    // may take an eighth of the table's entries, or 64, before it gives way.
+    const SequenceNote* a = oldNotes.data() + head;
+    const SequenceNote* b = newNotes.data() + head;
+    EditFront front(a, oldMiddle, b, newMiddle);
+    if (front.build(std::max<std::size_t>(static_cast<std::size_t>(cells / 8), 64)))
+        return walkBack(oldNotes, newNotes, head, tail, front);
+    return walkBack(oldNotes, newNotes, head, tail, CountTable(a, oldMiddle, b, newMiddle));
+}
+
 void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes)
+{
+    diffAndApply(track, newNotes, hashSequence(newNotes));
+}
+
+void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes, uint64_t newHash)
 {
     NoteEditList edits = diffNotes(track.notes, newNotes);
 
@@ -86,22 +118,16 @@ void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNote
     // of a redo so that the two cannot drift apart.
     std::deque<NoteEditList>().swap(track.redoStack);
     track.redoStack.push_back(std::move(edits));
-    applyRedo(track);
+    redoScript(track);
+    // The notes now equal `newNotes` in every field that the hash reads.
+    track.orderHash = newHash;
 }
 
 void applyRedo(TrackSequence& track)
 {
     if (track.redoStack.empty())
         return;
-    NoteEditList edits = std::move(track.redoStack.back());
-    track.redoStack.pop_back();
-    for (const NoteEdit& edit : edits) {
-        if (edit.op == kNoteRemove)
-            removeAt(track.notes, edit.index);
-        else if (edit.op == kNoteInsert)
-            insertAt(track.notes, edit.index, edit.note);
-    }
-    track.undoStack.push_back(std::move(edits));
+    redoScript(track);
     track.orderHash = hashSequence(track.notes);
 }
 
@@ -111,12 +137,7 @@ void applyUndo(TrackSequence& track)
         return;
     NoteEditList edits = std::move(track.undoStack.back());
     track.undoStack.pop_back();
-    for (auto it = edits.rbegin(); it != edits.rend(); ++it) {
-        if (it->op == kNoteRemove)
-            insertAt(track.notes, it->index, it->note);
-        else if (it->op == kNoteInsert)
-            removeAt(track.notes, it->index);
-    }
+    runEdits(track.notes, edits, EditDirection::backwards);
     track.redoStack.push_back(std::move(edits));
     track.orderHash = hashSequence(track.notes);
 }

@@ -8,9 +8,13 @@
 
 namespace Zelmor {
 
-// Edit script from `oldNotes` to `newNotes` via a full longest-common-
-// subsequence table: ties prefer a removal, equal notes match from the end.
-// Throws std::length_error when the table would exceed 2^31-1 cells.
+// Edit script from `oldNotes` to `newNotes` by a longest common subsequence:
+// the walk back from the end takes a match as soon as two notes are equal,
+// ties prefer a removal. Cells are kept only for the stretch between the
+// common head and the common tail of the two lists, so an edit costs what it
+// changes; the script is the one the whole table would give. Throws
+// std::length_error("note table too large") when that stretch would need more
+// than 2^31-1 cells.
 NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
                        const std::vector<SequenceNote>& newNotes);
 
@@ -19,6 +23,9 @@ NoteEditList diffNotes(const std::vector<SequenceNote>& oldNotes,
 // script stay the old records (old muted, transpose, soundStart, ...).
 // On failure the track is left untouched.
 void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes);
+// The same, for a caller that has hashSequence(newNotes) at hand already: the
+// track's hash is then not computed over the list a second time.
+void diffAndApply(TrackSequence& track, const std::vector<SequenceNote>& newNotes, uint64_t newHash);
 
 // Moves the back of redoStack onto the notes and onto undoStack.
 void applyRedo(TrackSequence& track);

@@ -17,13 +17,13 @@ auto& entryAt(Map& map, int32_t key)
     return it->second;
 }
 
-bool sameNotes(const TrackSequence& track, const std::vector<SequenceNote>& notes)
+bool sameNotes(const TrackSequence& track, const std::vector<SequenceNote>& notes, uint64_t hash)
 {
-    // Cheapest first: length, then one hash pass, then the pairwise compare
-    // that also settles a hash collision. No allocation on this path.
+    // Cheapest first: length, then the hash, then the pairwise compare that
+    // also settles a hash collision. No allocation on this path.
     if (track.notes.size() != notes.size())
         return false;
-    if (hashSequence(notes) != track.orderHash)
+    if (hash != track.orderHash)
         return false;
     for (std::size_t i = 0; i < notes.size(); ++i) {
         if (!equals(track.notes[i], notes[i]))
@@ -44,15 +44,17 @@ std::size_t historyIndex(const SequenceStore& store, int32_t cursor)
 bool recordSequence(SequenceStore& store, bool& pending, int32_t trackId,
                     const std::string& stepName, const std::vector<SequenceNote>& notes)
 {
+    // One pass over the list: the test below and, on a change, the track's new hash.
+    const uint64_t hash = hashSequence(notes);
     auto found = store.tracks.find(trackId);
-    if (found != store.tracks.end() && sameNotes(found->second, notes)) {
+    if (found != store.tracks.end() && sameNotes(found->second, notes, hash)) {
         pending = false;
         return false;
     }
     if (found == store.tracks.end())
         found = store.tracks.emplace(trackId, TrackSequence{}).first;
 
-    diffAndApply(found->second, notes);
+    diffAndApply(found->second, notes, hash);
 
     // A new change drops undone changes of every track from the history.
     // Other tracks' stale redo scripts stay until their own next change.

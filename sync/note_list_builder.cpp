@@ -120,8 +120,9 @@ std::vector<SVS::SVSNote> buildSvsNotes (const std::vector<SequenceNote>& notes)
         if (!note.muted)
             sung.push_back (&note);
 
+    // At most a rest before each note and one closing rest: room for all, so the records never move.
     std::vector<SVS::SVSNote> records;
-    records.reserve (sung.size () + 16);
+    records.reserve (2 * sung.size () + 2);
     if (sung.empty ())
         return records;
 

@@ -2,7 +2,9 @@
 
 #include "svs/svs_host.h"
 #include "svs/svs_host_list.h"
+#include "sync/host_index.h"
 
+#include <unordered_set>
 #include <vector>
 
 using namespace Steinberg;
@@ -14,14 +16,6 @@ const std::string& agentDisplayName ()
 {
     static const std::string name = "Cantorela Beta Agent";
     return name;
-}
-
-const PluginLabels* labelsOf (const std::vector<PluginLabels>& all, ISvsPlugin* plugin)
-{
-    for (const auto& labels : all)
-        if (labels.plugin.get () == plugin)
-            return &labels;
-    return nullptr;
 }
 
 // The plug-in is gone from the project: forget it without telling it anything.
@@ -62,11 +56,15 @@ void bindPlugins (IHostProject* project, SVSHostList& svsHosts)
     for (ISvsPlugin* plugin : plugins)
         labels.push_back (readPluginLabels (project, plugin));
 
+    // Looked up by pointer in sets, not by a search per host: a pass stays linear in the plug-ins.
+    std::unordered_set<ISvsPlugin*> present;
+    for (const auto& plugin : labels)
+        present.insert (plugin.plugin.get ());
     std::vector<std::size_t> gone;
     for (std::size_t index = 0; index < svsHosts.hosts.size (); ++index)
     {
         auto& host = *svsHosts.hosts[index];
-        if (labelsOf (labels, host.getPlugin ()))
+        if (present.count (host.getPlugin ()) != 0)
             continue;
         disconnect (host);
         gone.push_back (index);
@@ -74,10 +72,11 @@ void bindPlugins (IHostProject* project, SVSHostList& svsHosts)
     for (auto it = gone.rbegin (); it != gone.rend (); ++it)
         svsHosts.hosts.erase (svsHosts.hosts.begin () + static_cast<std::ptrdiff_t> (*it));
 
+    HostIndex index (svsHosts);
     for (const auto& plugin : labels)
     {
         const std::string title = hostTitle (plugin);
-        if (auto* host = findHost (svsHosts, plugin.plugin.get ()))
+        if (auto* host = index.find (plugin.plugin.get ()))
         {
             host->setTitleText (title);
             if (auto sink = queryHost<ISvsTitleSink> (plugin.plugin.get ()))
@@ -90,6 +89,7 @@ void bindPlugins (IHostProject* project, SVSHostList& svsHosts)
         if (plugin.plugin)
         {
             connect (*host, plugin.plugin.get ());
+            index.add (*host);
             svsHosts.hosts.push_back (std::move (host));
         }
     }

@@ -4,6 +4,7 @@
 #include "sequence/undo/edit_step_manager.h"
 #include "svs/svs_host.h"
 #include "svs/svs_host_list.h"
+#include "sync/host_index.h"
 #include "sync/note_collection.h"
 #include "sync/note_list_builder.h"
 #include "sync/plugin_binding.h"
@@ -35,10 +36,11 @@ void syncPass (const AgentState& agent, IHostProject* project, IProjectEditConte
     clearNoteMarks (project, root.get ());
 
     // 6. Each synthesiser in turn: read its track, tell it first, then record and write back.
+    const HostIndex hosts (agent.svsHosts);
     for (ISvsPlugin* plugin : plugins)
     {
         const TrackNotes track = collectTrackNotes (project, root.get (), plugin, markSeen);
-        SVSHostImpl* host = findHost (agent.svsHosts, plugin);
+        SVSHostImpl* host = hosts.find (plugin);
         sendNotes (track.notes, host, host != nullptr);
         recordTrack (agent, project, root.get (), plugin, track.notes, context);
     }

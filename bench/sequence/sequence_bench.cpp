@@ -1,5 +1,7 @@
-// Cost of recording a one-lyric edit (full LCS table) against the no-change
-// path (length + hash + pairwise compare) for tracks of growing size.
+// Cost of recording a changed track: one changed lyric, and 100 lyrics changed
+// here and there, each beside the whole-table difference that the store first
+// used (kept here as the baseline, with its edit-by-edit application); and the
+// no-change path (length + hash + pairwise compare) for tracks of growing size.
 #include <malloc.h>
 
 #include <cstdlib>
@@ -9,6 +11,9 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdint>
 
 #include "sequence/sequence_store.h"
 
@@ -32,6 +37,7 @@ long statusKb(const std::string& key)
 // figure that does not depend on what the allocator keeps resident.
 std::size_t liveBytes = 0;
 std::size_t peakBytes = 0;
+std::size_t allocatedBytes = 0; // every allocation, freed or not
 
 } // namespace
 
@@ -41,6 +47,7 @@ void* operator new(std::size_t size)
     if (!p)
         throw std::bad_alloc();
     liveBytes += malloc_usable_size(p);
+    allocatedBytes += size;
     if (liveBytes > peakBytes)
         peakBytes = liveBytes;
     return p;
@@ -64,6 +71,7 @@ namespace {
 struct MemoryProbe {
     long rssBefore;
     std::size_t heapBefore;
+    std::size_t allocatedBefore;
 
     MemoryProbe()
     {
@@ -74,14 +82,17 @@ struct MemoryProbe {
         rssBefore = statusKb("VmRSS:");
         heapBefore = liveBytes;
         peakBytes = liveBytes;
+        allocatedBefore = allocatedBytes;
     }
 
     void report(benchmark::State& state) const
     {
         // Heap first: reading /proc allocates.
         const double heap = static_cast<double>(peakBytes - heapBefore) / (1024.0 * 1024.0);
+        const double allocated = static_cast<double>(allocatedBytes - allocatedBefore) / (1024.0 * 1024.0);
         const long peak = statusKb("VmHWM:");
         state.counters["peak_heap_delta_MiB"] = heap;
+        state.counters["allocated_MiB"] = allocated;
         state.counters["peak_rss_delta_MiB"] = rssBefore >= 0 && peak >= 0 ? (peak - rssBefore) / 1024.0 : -1.0;
     }
 };
@@ -105,32 +116,107 @@ std::vector<SequenceNote> makeTrack(std::size_t count, std::vector<char>& nodes)
 }
 
 
-void BM_RecordOneLyricEdit(benchmark::State& state)
+// The store's first difference: the whole (m + 1) x (n + 1) table, and one
+// vector insert or erase per edit. The baseline of the rows below.
+NoteEditList fullTableDiff(const std::vector<SequenceNote>& o, const std::vector<SequenceNote>& n)
 {
-    const std::size_t count = static_cast<std::size_t>(state.range(0));
-    std::vector<char> nodes;
-    const std::vector<SequenceNote> original = makeTrack(count, nodes);
-    std::vector<SequenceNote> edited = original;
-    edited[count / 2].lyric = "lo[l o]";
-    edited[count / 2].phoneme = "l o";
+    const std::size_t cols = n.size() + 1;
+    std::vector<int32_t> table((o.size() + 1) * cols, 0);
+    auto cell = [&](std::size_t i, std::size_t j) -> int32_t& { return table[i * cols + j]; };
+    for (std::size_t i = 1; i <= o.size(); ++i)
+        for (std::size_t j = 1; j <= n.size(); ++j)
+            cell(i, j) = equals(o[i - 1], n[j - 1]) ? cell(i - 1, j - 1) + 1 : std::max(cell(i - 1, j), cell(i, j - 1));
+    NoteEditList edits;
+    std::size_t i = o.size(), j = n.size();
+    while (i > 0 && j > 0) {
+        if (equals(o[i - 1], n[j - 1])) {
+            --i;
+            --j;
+        } else if (cell(i - 1, j) >= cell(i, j - 1)) {
+            edits.push_back(NoteEdit{kNoteRemove, i - 1, o[i - 1]});
+            --i;
+        } else {
+            edits.push_back(NoteEdit{kNoteInsert, i, n[j - 1]});
+            --j;
+        }
+    }
+    for (; i > 0; --i)
+        edits.push_back(NoteEdit{kNoteRemove, i - 1, o[i - 1]});
+    for (; j > 0; --j)
+        edits.push_back(NoteEdit{kNoteInsert, 0, n[j - 1]});
+    return edits;
+}
 
+void recordWithFullTable(TrackSequence& track, const std::vector<SequenceNote>& notes)
+{
+    NoteEditList edits = fullTableDiff(track.notes, notes);
+    track.redoStack.clear();
+    for (const NoteEdit& edit : edits) {
+        if (edit.op == kNoteRemove)
+            track.notes.erase(track.notes.begin() + static_cast<std::ptrdiff_t>(edit.index));
+        else
+            track.notes.insert(track.notes.begin() + static_cast<std::ptrdiff_t>(edit.index), edit.note);
+    }
+    track.undoStack.push_back(std::move(edits));
+    track.orderHash = hashSequence(track.notes);
+}
+
+enum Variant { kTrimmed = 0, kFullTable = 1 };
+
+// Alternates between two versions of a track, so that every pass records a
+// real change. Argument 1 picks the store (0) or the whole-table baseline (1).
+void recordChanges(benchmark::State& state, const std::vector<SequenceNote>& original,
+                   const std::vector<SequenceNote>& edited)
+{
+    const bool baseline = state.range(1) == kFullTable;
     SequenceStore store;
     bool pending = false;
-    recordSequence(store, pending, 1, "track", original);
+    TrackSequence track;
+    auto record = [&](const std::vector<SequenceNote>& notes) {
+        if (baseline)
+            recordWithFullTable(track, notes);
+        else
+            benchmark::DoNotOptimize(recordSequence(store, pending, 1, "track", notes));
+    };
+    record(original);
 
     // One untimed pass for the memory figures of a single change.
     const MemoryProbe probe;
-    recordSequence(store, pending, 1, "track", edited);
+    record(edited);
     probe.report(state);
 
     bool flip = false;
     for (auto _ : state) {
-        // Alternate so that every pass is a real change.
-        benchmark::DoNotOptimize(recordSequence(store, pending, 1, "track", flip ? edited : original));
+        record(flip ? edited : original);
         flip = !flip;
     }
-    const double cells = static_cast<double>(count + 1) * static_cast<double>(count + 1);
-    state.counters["table_MiB"] = cells * 4.0 / (1024.0 * 1024.0);
+    state.SetLabel(baseline ? "whole table" : "trimmed");
+}
+
+void relyric(SequenceNote& note)
+{
+    note.lyric = "lo[l o]";
+    note.phoneme = "l o";
+}
+
+void BM_RecordOneLyricEdit(benchmark::State& state)
+{
+    std::vector<char> nodes;
+    const std::vector<SequenceNote> original = makeTrack(static_cast<std::size_t>(state.range(0)), nodes);
+    std::vector<SequenceNote> edited = original;
+    relyric(edited[edited.size() / 2]);
+    recordChanges(state, original, edited);
+}
+
+// 100 lyrics changed, spread evenly over the track.
+void BM_RecordScatteredEdits(benchmark::State& state)
+{
+    std::vector<char> nodes;
+    const std::vector<SequenceNote> original = makeTrack(static_cast<std::size_t>(state.range(0)), nodes);
+    std::vector<SequenceNote> edited = original;
+    for (std::size_t k = 0; k < 100; ++k)
+        relyric(edited[(2 * k + 1) * edited.size() / 200]);
+    recordChanges(state, original, edited);
 }
 
 void BM_RecordNoChange(benchmark::State& state)
@@ -152,7 +238,10 @@ void BM_RecordNoChange(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(BM_RecordOneLyricEdit)->Arg(100)->Arg(1000)->Arg(4000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RecordOneLyricEdit)
+    ->ArgsProduct({{100, 1000, 4000}, {kTrimmed, kFullTable}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_RecordScatteredEdits)->ArgsProduct({{4000}, {kTrimmed, kFullTable}})->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RecordNoChange)->Arg(100)->Arg(1000)->Arg(4000)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)

@@ -94,9 +94,140 @@ void PluginWalk (benchmark::State& state)
     report (state, before);
 }
 
+
+/** A host with one project and a fresh agent, built outside the timed part of an iteration. */
+struct FreshAgent
+{
+    FreshAgent ()
+    {
+        Sim::CallLog::setRecording (false);
+        agent = new Kt::CantorelaBetaAgent;
+        agent->initialize (host.context ());
+    }
+    ~FreshAgent ()
+    {
+        agent->terminate ();
+        host.projectManager ().clearHistories ();
+        agent->release ();
+    }
+    void open ()
+    {
+        host.projectManager ().addProject (song);
+        host.projectManager ().activate (song);
+    }
+    FUnknown* hook () { return static_cast<IPluginBase*> (agent); }
+
+    std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;
+    Sim::HostServices host;
+    Sim::Project& song = host.projectManager ().createProject ("Song");
+    Kt::CantorelaBetaAgent* agent = nullptr;
+};
+
+/** Many synthesisers: `range (0)` tracks of one note each, every track with its own synthesiser; one idle pass. */
+void ManyTracks (benchmark::State& state)
+{
+    FreshAgent project;
+    const int tracks = static_cast<int> (state.range (0));
+    for (int t = 0; t < tracks; ++t)
+    {
+        project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth " + std::to_string (t)));
+        auto& track = project.song.root ().addInstrumentTrack ("Track " + std::to_string (t));
+        track.addSlot ("Slot 1", project.synths.back ()->unknown ());
+        track.addPart (0.0, 1.0).addNote (0.0, 0.5, 60, "la");
+    }
+    project.open ();
+    const int64_t before = Sim::CallLog::hostCalls ();
+    for (auto _ : state)
+        project.agent->runIdlePass ();
+    state.counters["host_calls"] = static_cast<double> (Sim::CallLog::hostCalls () - before)
+                                   / static_cast<double> (state.iterations ());
+}
+
+/** One track of `range (0)` notes. The project's opening records the whole track, one insert a note. */
+void LongTrackOpening (benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        state.PauseTiming ();
+        {
+            FreshAgent project;
+            project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
+            auto& track = project.song.root ().addInstrumentTrack ("Vocals");
+            track.addSlot ("Slot 1", project.synths.back ()->unknown ());
+            const auto count = static_cast<int> (state.range (0));
+            auto& part = track.addPart (0.0, count * 0.5);
+            for (int n = 0; n < count; ++n)
+                part.addNote (n * 0.5, n * 0.5 + 0.4, 60 + n % 12, "la");
+            state.ResumeTiming ();
+            project.open ();
+            state.PauseTiming ();
+        }
+        state.ResumeTiming ();
+    }
+}
+
+/** The same track after its opening: the user types one word on the note in its middle. */
+void LongTrackEdit (benchmark::State& state)
+{
+    FreshAgent project;
+    project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
+    auto& track = project.song.root ().addInstrumentTrack ("Vocals");
+    track.addSlot ("Slot 1", project.synths.back ()->unknown ());
+    const auto count = static_cast<int> (state.range (0));
+    auto& part = track.addPart (0.0, count * 0.5);
+    std::vector<Sim::Note*> notes;
+    for (int n = 0; n < count; ++n)
+        notes.push_back (&part.addNote (n * 0.5, n * 0.5 + 0.4, 60 + n % 12, "la"));
+    project.open ();
+    project.song.typeLyric (*notes.front (), "la", project.hook ());  // every note written back once
+    bool flip = false;
+    const int64_t before = Sim::CallLog::hostCalls ();
+    for (auto _ : state)
+    {
+        project.song.typeLyric (*notes[notes.size () / 2], flip ? "love" : "sing", project.hook ());
+        flip = !flip;
+    }
+    state.counters["host_calls_per_note"] = static_cast<double> (Sim::CallLog::hostCalls () - before)
+                                            / (static_cast<double> (count) * static_cast<double> (state.iterations ()));
+}
+
+/** One host edit that types "a-b" `range (0)` times over as one word (200,000 times: 600 KB) on the first of
+    eight notes. */
+void HyphenatedLyric (benchmark::State& state)
+{
+    std::string lyric;
+    for (int k = 0; k < state.range (0); ++k)
+        lyric += "a-b";
+    for (auto _ : state)
+    {
+        state.PauseTiming ();
+        {
+            FreshAgent project;
+            project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
+            auto& track = project.song.root ().addInstrumentTrack ("Vocals");
+            track.addSlot ("Slot 1", project.synths.back ()->unknown ());
+            auto& part = track.addPart (0.0, 8.0);
+            std::vector<Sim::Note*> notes;
+            for (int n = 0; n < 8; ++n)
+                notes.push_back (&part.addNote (n, n + 0.5, 60));
+            project.open ();
+            state.ResumeTiming ();
+            project.song.typeLyric (*notes.front (), lyric, project.hook ());
+            state.PauseTiming ();
+        }
+        state.ResumeTiming ();
+    }
+    state.counters["bytes"] = static_cast<double> (lyric.size ());
+}
+
 } // namespace
 
 BENCHMARK (IdlePass)->Arg (1)->Arg (8)->Arg (32)->Unit (benchmark::kMillisecond);
 BENCHMARK (PluginWalk)->Arg (1)->Arg (8)->Arg (32)->Unit (benchmark::kMicrosecond);
+
+BENCHMARK (ManyTracks)->Arg (100)->Arg (200)->Arg (400)->Unit (benchmark::kMillisecond);
+BENCHMARK (LongTrackOpening)->Arg (10000)->Arg (40000)->Unit (benchmark::kMillisecond)->Iterations (1);
+BENCHMARK (LongTrackEdit)->Arg (2000)->Arg (4000)->Arg (40000)->Unit (benchmark::kMillisecond);
+BENCHMARK (HyphenatedLyric)->Arg (20000)->Arg (64000)->Arg (200000)->Unit (benchmark::kMillisecond)->Iterations (1);
 
 BENCHMARK_MAIN ();

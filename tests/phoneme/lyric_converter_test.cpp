@@ -69,6 +69,10 @@ TEST(LyricConverter, AnEmptySyllableIsNotReadPast)
     out.clear();
     distributeSyllables({}, "", "-", out);
     EXPECT_TRUE(out.empty());
+    // The first hyphen falls in "b"; the second, behind the last piece of the spelling, counts for "a".
+    out.clear();
+    distributeSyllables({"a", "b"}, "a . b", "ab-c-", out);
+    EXPECT_EQ(out, (V{"a", "- ", "b", "- "}));
 }
 
 TEST(LyricConverter, MalformedUtf8Throws)

@@ -34,5 +34,8 @@ TEST(LyricText, CodePointsAndMalformedInput)
     EXPECT_EQ(utf8Substring(text, 4, 100), "b日");
     EXPECT_EQ(utf8LastIndexOf(text, U'日'), 5);
     EXPECT_THROW(splitLyricText("ka[\xc3]"), utf8::exception);
+    // The first bad sequence decides, wherever the brackets stand.
+    EXPECT_THROW(splitLyricText("ka[a]\xe6\x97"), utf8::not_enough_room);
+    EXPECT_THROW(splitLyricText("\xed\xa0\x80[a\xff]"), utf8::invalid_code_point);
     EXPECT_THROW(utf8IndexOf("ab\xe6\x97", U'x'), utf8::not_enough_room);
 }

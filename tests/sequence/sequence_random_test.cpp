@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "full_table_difference.h"
 #include "sequence/sequence_store.h"
 #include "test_notes.h"
 
@@ -100,6 +101,7 @@ TEST(SequenceStoreRandom, AgreesWithSnapshotModel)
                 const auto next = mutate(before, rng);
                 const bool changed = !known || !std::equal(before.begin(), before.end(), next.begin(),
                                                            next.end(), equals);
+                ASSERT_TRUE(sameScript(diffNotes(before, next), fullTableDiff(before, next)));
                 ASSERT_EQ(recordSequence(store, pending, track, "step", next), changed);
                 ASSERT_EQ(pending, changed);
                 if (changed) {
