@@ -226,6 +226,31 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
     return text;
 }
 
+/**
+ * Elided syllables as the host's own form: the syllables as written, and in
+ * brackets every sound the converter gives them, so that all are sung on the
+ * one note instead of running on to the notes after it.
+ */
+std::string elidedLyric (const std::string& text)
+{
+    std::string spaced;
+    const std::string mark = elisionMark;
+    for (std::size_t i = 0; i < text.size ();)
+        if (text.compare (i, mark.size (), mark) == 0)
+        {
+            spaced += ' ';
+            i += mark.size ();
+        }
+        else
+            spaced += text[i++];
+    std::string hint;
+    for (const auto& element : convert (spaced))
+        for (const auto& token : tokens (element))
+            if (token != "-")
+                hint += (hint.empty () ? "" : " ") + token;
+    return hint.empty () ? text : text + "[" + hint + "]";
+}
+
 } // namespace
 
 std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
@@ -238,6 +263,9 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
     };
     std::vector<std::string> typed (notes.size ());
     std::optional<Word> word;
+    // After a note that brings its own phonemes, a held note says so itself: left
+    // empty, it would take the next of the sounds the host finds in that text.
+    bool afterOwnSounds = false;
     auto finish = [&] {
         if (word)
             typed[word->first] = typeWord (word->syllables);
@@ -251,7 +279,9 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
         case Syllable::Held:
             if (word)
                 ++word->syllables.back ().holds;
-            break;
+            else if (afterOwnSounds)
+                typed[i] = "[-]";
+            continue;
         case Syllable::Single:
         case Syllable::Begin:
         case Syllable::Middle:
@@ -267,11 +297,18 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
         case Syllable::AsWritten:
             finish ();
             typed[i] = s.text;
-            break;
+            afterOwnSounds = hasHint (s.text);
+            continue;
+        case Syllable::Elided:
+            finish ();
+            typed[i] = s.text.size () > longestWord ? s.text : elidedLyric (s.text);
+            afterOwnSounds = hasHint (typed[i]);
+            continue;
         case Syllable::Free:
             finish ();
             break;
         }
+        afterOwnSounds = false;
     }
     finish ();
     return typed;
