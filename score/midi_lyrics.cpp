@@ -229,11 +229,11 @@ std::string describe (WordsConvention convention)
     switch (convention)
     {
     case WordsConvention::None: return "no words";
-    case WordsConvention::Karaoke: return "karaoke (\"/\" and \"\\\" begin lines, a blank ends a word)";
+    case WordsConvention::Karaoke: return "read as karaoke (\"/\" and \"\\\" begin lines, a blank ends a word)";
     case WordsConvention::BlankEnded:
-        return "blank-ended (a blank or line end ends a word, a text without one goes on into the next)";
-    case WordsConvention::Hyphenated: return "hyphenated (each text a word, unless a hyphen joins syllables)";
-    case WordsConvention::AsWritten: return "as written (--raw-lyrics)";
+        return "read as blank-ended (a blank or line end ends a word, a text without one goes on into the next)";
+    case WordsConvention::Hyphenated: return "read as hyphenated (each text a word, unless a hyphen joins syllables)";
+    case WordsConvention::AsWritten: return "each typed as written (--raw-lyrics)";
     }
     return {};
 }

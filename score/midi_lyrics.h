@@ -33,7 +33,7 @@ enum class WordsConvention
     AsWritten    ///< `--raw-lyrics`: each text on its note as written
 };
 
-/** How a message names a convention: "karaoke texts (...)". */
+/** How a message names a convention: "read as karaoke (...)". */
 std::string describe (WordsConvention convention);
 
 /** One track's texts, as its events hold them. */

@@ -288,7 +288,7 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         if (w.syllables.empty ())
             continue;
         out.warnings.push_back (names[ti] + ": words from its " + (w.fromLyricEvents ? "lyric" : "text")
-                                + " events, read as " + describe (w.convention));
+                                + " events, " + describe (w.convention));
         words.push_back ({names[ti], static_cast<int> (ti), std::move (w.syllables)});
     }
 

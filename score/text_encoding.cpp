@@ -158,8 +158,9 @@ std::string toUtf8 (const std::string& bytes)
 
 TextEncoding guessEncoding (const std::vector<const std::string*>& texts)
 {
-    // Latin-1 letters pair up as Shift-JIS often enough ("ü" and a letter after it), so
-    // Shift-JIS needs the lead bytes of kana, punctuation or common kanji, and few misreads.
+    // Latin-1 letters and Windows' quotes pair up as Shift-JIS often enough ("ü" or "’" and a
+    // letter after it), so Shift-JIS needs the lead bytes of kana and Japanese punctuation,
+    // which no Western text has, and few bytes it can't read.
     std::size_t kanaPairs = 0, pairs = 0, bad = 0;
     bool allUtf8 = true;
     for (const std::string* text : texts)
@@ -176,7 +177,7 @@ TextEncoding guessEncoding (const std::vector<const std::string*>& texts)
             if (leadByte (c) && i + 1 < s.size () && trailByte (static_cast<unsigned char> (s[i + 1])))
             {
                 ++pairs;
-                kanaPairs += c <= 0x9F ? 1 : 0;
+                kanaPairs += c <= 0x84 ? 1 : 0;
                 ++i;
             }
             else if (!singleByte (c))
@@ -185,7 +186,7 @@ TextEncoding guessEncoding (const std::vector<const std::string*>& texts)
     }
     if (allUtf8)
         return TextEncoding::Utf8;
-    if (kanaPairs > 0 && kanaPairs * 2 >= pairs && bad * 8 <= pairs)
+    if (kanaPairs > 0 && kanaPairs * 4 >= pairs && bad * 8 <= pairs)
         return TextEncoding::ShiftJis;
     return TextEncoding::Latin1;
 }

@@ -28,8 +28,9 @@ enum class TextEncoding
 
 /**
  * The encoding that reads a file's texts best: UTF-8 when every one is;
- * Shift-JIS when those that aren't hold double-byte characters and hardly
- * any byte that Shift-JIS can't read; Latin-1 otherwise, which reads any byte.
+ * Shift-JIS when those that aren't hold kana or Japanese punctuation (a
+ * quarter of their double-byte characters at least) and hardly any byte that
+ * Shift-JIS can't read; Latin-1 otherwise, which reads any byte.
  */
 TextEncoding guessEncoding (const std::vector<const std::string*>& texts);
 

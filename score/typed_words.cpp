@@ -227,12 +227,15 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
 }
 
 /**
- * Elided syllables as the host's own form: the syllables as written, and in
- * brackets every sound the converter gives them, so that all are sung on the
- * one note instead of running on to the notes after it.
+ * Elided syllables and the notes that hold them, in the host's own form: the
+ * syllables as written and in brackets every sound the converter gives them,
+ * so that all are sung on the one note instead of running on to the notes
+ * after it; each note that holds them "[-]", the last with the closing sounds
+ * of the last syllable, as the converter deals a held word's.
  */
-std::string elidedLyric (const std::string& text)
+std::vector<std::string> typeElided (const std::string& text, std::size_t holds)
 {
+    std::vector<std::string> typed (1 + holds, "[-]");
     std::string spaced;
     const std::string mark = elisionMark;
     for (std::size_t i = 0; i < text.size ();)
@@ -243,12 +246,31 @@ std::string elidedLyric (const std::string& text)
         }
         else
             spaced += text[i++];
-    std::string hint;
+    std::vector<std::string> sounds;
+    std::size_t closing = 0;  // where the closing sounds of the last syllable begin
     for (const auto& element : convert (spaced))
+    {
+        std::vector<std::string> parts;
         for (const auto& token : tokens (element))
             if (token != "-")
-                hint += (hint.empty () ? "" : " ") + token;
-    return hint.empty () ? text : text + "[" + hint + "]";
+                parts.push_back (token);
+        if (parts.empty ())
+            continue;
+        closing = sounds.size () + Zelmor::findNucleus (parts) + 1;
+        sounds.insert (sounds.end (), parts.begin (), parts.end ());
+    }
+    typed[0] = text;
+    if (sounds.empty ())
+        return typed;
+    if (holds == 0)
+        closing = sounds.size ();
+    std::string hint, tail;
+    for (std::size_t k = 0; k < sounds.size (); ++k)
+        (k < closing ? hint : tail) += (k < closing ? (hint.empty () ? "" : " ") : " ") + sounds[k];
+    typed[0] += "[" + hint + "]";
+    if (!tail.empty ())
+        typed.back () = "[-" + tail + "]";
+    return typed;
 }
 
 } // namespace
@@ -300,10 +322,21 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
             afterOwnSounds = hasHint (s.text);
             continue;
         case Syllable::Elided:
+        {
             finish ();
-            typed[i] = s.text.size () > longestWord ? s.text : elidedLyric (s.text);
-            afterOwnSounds = hasHint (typed[i]);
+            std::size_t holds = 0;
+            while (i + 1 + holds < notes.size () && notes[i + 1 + holds].kind == Syllable::Held)
+                ++holds;
+            if (s.text.size () > longestWord)
+            {
+                typed[i] = s.text;
+                continue;
+            }
+            const auto elided = typeElided (s.text, holds);
+            std::copy (elided.begin (), elided.end (), typed.begin () + static_cast<std::ptrdiff_t> (i));
+            i += holds;
             continue;
+        }
         case Syllable::Free:
             finish ();
             break;

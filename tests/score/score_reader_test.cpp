@@ -8,6 +8,7 @@
 #include "score/song_reader.h"
 #include "score/typed_words.h"
 #include "songs/generator/compose.h"
+#include "tests/score/midi_bytes.h"
 
 #include <gtest/gtest.h>
 
@@ -15,46 +16,6 @@
 #include <iterator>
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-Bytes header (int format, int tracks, int division)
-{
-    return {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, std::uint8_t (format), 0, std::uint8_t (tracks),
-            std::uint8_t (division >> 8), std::uint8_t (division)};
-}
-
-Bytes withTrack (Bytes file, const Bytes& body)
-{
-    const Bytes head = {'M', 'T', 'r', 'k', 0, 0, std::uint8_t (body.size () >> 8), std::uint8_t (body.size ())};
-    file.insert (file.end (), head.begin (), head.end ());
-    file.insert (file.end (), body.begin (), body.end ());
-    return file;
-}
-
-bool song (const Bytes& bytes, Score::Song& out, std::string& error, const Score::ReadOptions& options = {})
-{
-    Score::MidiFile file;
-    return Score::parseMidi (bytes.data (), bytes.size (), file, error) && Score::readMidiSong (file, out, error, options);
-}
-
-/** The notes of a track, one a line: "startTick-endTick pitch lyric". */
-std::string notesOf (const Score::Song& s, std::size_t track = 0)
-{
-    std::string out;
-    for (const auto& n : s.tracks.at (track).notes)
-        out += std::to_string (n.startTick) + "-" + std::to_string (n.endTick) + " " + std::to_string (n.pitch) + " "
-               + n.lyric + "\n";
-    return out;
-}
-
-std::vector<std::string> lyrics (const Score::Song& s)
-{
-    std::vector<std::string> out;
-    for (const auto& n : s.tracks.at (0).notes)
-        out.push_back (n.lyric);
-    return out;
-}
 
 /** One voice, a beat a note, the last after a rest; each note's texts ("|" between two) a tick before it. */
 Bytes wordsFile (Score::MidiEvent::Kind kind, const std::vector<std::string>& notes)
