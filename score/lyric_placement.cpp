@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace Score {
 
@@ -123,6 +124,8 @@ std::vector<int> chooseSingers (const std::vector<MidiVoice>& voices, const std:
         voicesOfTrack[voices[v].track].push_back (static_cast<int> (v));
     const std::vector<NoteStart> starts = noteStarts (voices);
     std::vector<int> singers;
+    std::vector<std::size_t> counted (voices.size (), 0);  // the last text each voice was counted for, from 1
+    std::size_t text = 0;
     for (const auto& w : words)
     {
         const auto own = voicesOfTrack.find (w.track);
@@ -132,18 +135,14 @@ std::vector<int> chooseSingers (const std::vector<MidiVoice>& voices, const std:
             continue;
         }
         std::map<int, std::size_t> landed;
-        std::vector<int> seen;
         for (const auto& s : w.syllables)
         {
             if (s.syllable.kind == Syllable::Held)
                 continue;
-            seen.clear ();
+            ++text;
             voicesReached (starts, s.tick, timing.tolerance, [&] (int v) {
-                if (std::find (seen.begin (), seen.end (), v) == seen.end ())
-                {
-                    seen.push_back (v);
+                if (std::exchange (counted[static_cast<std::size_t> (v)], text) != text)
                     ++landed[v];
-                }
             });
         }
         int best = -1;

@@ -15,6 +15,8 @@ namespace Score {
 namespace {
 
 constexpr std::size_t maxNotes = 1000000;  // a song's worth many times over; past it memory, not music, is the limit
+constexpr std::size_t repairsSaid = 8;     // a file of many faulty tracks is said in a few lines
+constexpr std::size_t tracksSaid = 16;     // and how the texts of a file of many tracks are read
 
 class Clock
 {
@@ -110,7 +112,7 @@ void collectNotes (const std::vector<const MidiEvent*>& events, std::uint64_t tr
             n.startTick = e->tick;
             n.pitch = e->pitch;
             open[key].push_back (notes.size ());
-            notes.push_back (n);
+            notes.push_back (std::move (n));
         }
         else if (e->kind == MidiEvent::NoteOff)
         {
@@ -256,14 +258,23 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
                 error = "more than " + std::to_string (maxNotes) + " notes in the file";
                 return false;
             }
-            std::stable_sort (v.notes.begin (), v.notes.end (), [] (const SongNote& a, const SongNote& b) {
+            const auto order = [] (const SongNote& a, const SongNote& b) {
                 return a.startTick != b.startTick ? a.startTick < b.startTick : a.pitch > b.pitch;
-            });
+            };
+            if (!std::is_sorted (v.notes.begin (), v.notes.end (), order))  // as they mostly are: spare the copies
+                std::stable_sort (v.notes.begin (), v.notes.end (), order);
             voices.push_back (std::move (v));
         }
     }
-    for (const MidiRepair& r : file.repairs)
+    for (std::size_t i = 0; i < file.repairs.size (); ++i)
     {
+        const MidiRepair& r = file.repairs[i];
+        if (i == repairsSaid)
+        {
+            out.warnings.push_back (std::to_string (file.repairs.size () - i) + " more repairs of the same kinds in "
+                                    "later tracks");
+            break;
+        }
         const auto track = static_cast<std::size_t> (r.track);
         const std::string name = track < names.size () ? names[track] : "track " + std::to_string (r.track + 1);
         out.warnings.push_back (name + " (track " + std::to_string (r.track + 1) + "): " + r.what
@@ -280,15 +291,15 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
     for (const auto& t : texts)
         lyricsInFile = lyricsInFile || hasLyricWords (t);
     std::vector<TrackLyrics> words;
+    std::vector<std::vector<std::string>> notices (texts.size ());  // what is said of each track's texts
     for (std::size_t ti = 0; ti < texts.size (); ++ti)
     {
         TrackWords w = readTrackWords (texts[ti], lyricsInFile, options.rawLyrics);
-        for (const auto& n : w.notices)
-            out.warnings.push_back (names[ti] + ": " + n);
+        notices[ti] = std::move (w.notices);
         if (w.syllables.empty ())
             continue;
-        out.warnings.push_back (names[ti] + ": words from its " + (w.fromLyricEvents ? "lyric" : "text")
-                                + " events, " + describe (w.convention));
+        notices[ti].push_back (std::string ("words from its ") + (w.fromLyricEvents ? "lyric" : "text") + " events, "
+                               + describe (w.convention));
         words.push_back ({names[ti], static_cast<int> (ti), std::move (w.syllables)});
     }
 
@@ -297,11 +308,21 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
     for (std::size_t w = 0; w < words.size (); ++w)
         if (singers[w] >= 0)
         {
+            const MidiVoice& singer = voices[static_cast<std::size_t> (singers[w])];
             sings[static_cast<std::size_t> (singers[w])] = true;
-            if (voices[static_cast<std::size_t> (singers[w])].track != words[w].track)
-                out.warnings.push_back (words[w].name + ": its words are sung by "
-                                        + voices[static_cast<std::size_t> (singers[w])].name);
+            if (singer.track != words[w].track)
+                notices[static_cast<std::size_t> (words[w].track)].push_back ("its words are sung by " + singer.name);
         }
+    // A file of thousands of tracks is said of a few of them.
+    std::size_t said = 0, unsaid = 0;
+    for (std::size_t ti = 0; ti < notices.size (); ++ti)
+        if (!notices[ti].empty () && ++said > tracksSaid)
+            ++unsaid;
+        else
+            for (const auto& n : notices[ti])
+                out.warnings.push_back (names[ti] + ": " + n);
+    if (unsaid > 0)
+        out.warnings.push_back (std::to_string (unsaid) + " more tracks with texts, not told one by one");
     for (std::size_t v = 0; v < voices.size (); ++v)
         if (sings[v])
             topNotesOnly (voices[v], out.warnings);
