@@ -35,7 +35,7 @@ TEST (MidiWords, EachLayoutSingsEveryWordOnItsNoteAndSaysHowItWasRead)
           "Melody: words from its text events, read as karaoke"}},
         // The words track's words go to the melody, which they meet more often than the piano.
         {"library karaoke", Songs::libraryKaraoke, false,
-         {{"Quiet", "", "night", "Sing", "softly", ""}, std::vector<std::string> (15)},
+         {std::vector<std::string> (15), {"Quiet", "", "night", "Sing", "softly", ""}},
          {"Words: text \"Testing karaoke with a song of our own\" taken for a description",
           "Words: its words are sung by Melody"}},
         {"blank-ended lyric events", Songs::blankEnded, false, {{"Testing", "", "one", "two", "Singing", "", "again", ""}},
