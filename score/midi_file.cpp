@@ -179,7 +179,8 @@ MidiTrack parseTrack (const std::uint8_t* data, std::size_t size, int index, boo
                 {
                     r.skip (length);
                     ended = true;
-                    break;  // end of track: whatever follows is not part of it
+                    track.events.push_back (std::move (e));  // where the track ends: notes left open end there
+                    break;  // whatever follows is not part of the track
                 }
                 const bool text = type == 0x01 || type == 0x03 || type == 0x05;
                 if (text && length > MidiLimits::textBytes)

@@ -18,7 +18,7 @@ struct MidiEvent
         Text,       ///< text meta event (karaoke files carry their words here)
         TrackName,  ///< sequence or track name
         TimeSignature,  ///< numerator in `value` >> 8, denominator (a power of two) in `value` & 0xFF
-        Other       ///< anything else that is well formed; kept for writing only
+        Other       ///< anything else: as read, the end of the track; never written (the writer ends each track itself)
     };
     std::uint64_t tick = 0;  ///< absolute, from the start of the track
     Kind kind = Other;
