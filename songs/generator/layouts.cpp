@@ -33,8 +33,9 @@ Score::MidiFile converterKaraoke ()
 
 Score::MidiFile libraryKaraoke ()
 {
+    // Its words in lyric events, line marks and all, where the converter's stand in text events.
     const Score::MidiTrack words = wordsTrack (
-        "Words", Kind::Text,
+        "Words", Kind::Lyric,
         {{0, "@LENGL"}, {0, "@TQuiet"}, {0, "Testing karaoke with a song of our own"}, {1, "\\Qui"}, {2, "et"},
          {3, " night"}, {5, "/Sing"}, {6, " soft"}, {7, "ly"}});
     Voice melody ("Melody", 0);

@@ -9,7 +9,7 @@ namespace Songs {
 
 /** A converter's karaoke: a header track of "@" headers and a description, words as text events in the melody's track, a leading blank beginning a word. */
 Score::MidiFile converterKaraoke ();
-/** A library's .kar: a words track apart, opening with a sentence before its first line mark; a melody and a piano of chords. */
+/** A library's .kar: a words track apart in lyric events, opening with a sentence before its first line mark; a piano of chords, then the melody. */
 Score::MidiFile libraryKaraoke ();
 /** Lyric events as the recommended practice has them: a blank or line end ends a word, "Test" and "ing " are one. */
 Score::MidiFile blankEnded ();

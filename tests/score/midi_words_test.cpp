@@ -37,7 +37,7 @@ TEST (MidiWords, EachLayoutSingsEveryWordOnItsNoteAndSaysHowItWasRead)
         {"library karaoke", Songs::libraryKaraoke, false,
          {std::vector<std::string> (15), {"Quiet", "", "night", "Sing", "softly", ""}},
          {"Words: text \"Testing karaoke with a song of our own\" taken for a description",
-          "Words: its words are sung by Melody"}},
+          "Words: words from its lyric events, read as karaoke", "Words: its words are sung by Melody"}},
         {"blank-ended lyric events", Songs::blankEnded, false, {{"Testing", "", "one", "two", "Singing", "", "again", ""}},
          {"Voice: words from its lyric events, read as blank-ended"}},
         {"notation", Songs::notation, false, {{"Hello", "", "the‿old[dh ah ow]", "[- l d]", "sun"}},
