@@ -208,7 +208,9 @@ WordsConvention conventionOf (const Source& source)
         if (header (t) || trimmed.empty () || describes (source, i) || trimmed.back () == '-')
             continue;
         ++unjoined;
-        edged += isBreak (t[0]) || isBreak (t.back ()) ? 1 : 0;
+        // Line ends don't count: notation programs end their lines with them too.
+        auto blankChar = [] (char c) { return c == ' ' || c == '\t'; };
+        edged += blankChar (t[0]) || blankChar (t.back ()) ? 1 : 0;
     }
     return edged > 0 && edged * 3 >= unjoined ? WordsConvention::BlankEnded : WordsConvention::Hyphenated;
 }

@@ -58,7 +58,7 @@ bool hasLyricWords (const TrackTexts& track);
  * Reads one track's words. Its lyric events are words, read by the
  * convention their texts show: karaoke when they mark lines with "/" or "\",
  * blank-ended when at least a third of those that no hyphen joins end or begin
- * with a blank or line end, hyphenated otherwise. Its text events are words
+ * with a blank (line ends don't count: both kinds end lines), hyphenated otherwise. Its text events are words
  * only in the karaoke layout (they mark lines with "/" or "\") and only when
  * no track of the file (`lyricsInFile`) has lyric words; else they are
  * commentary. In every convention "@" texts are headers; the texts before the

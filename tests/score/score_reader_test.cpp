@@ -244,6 +244,10 @@ TEST (MidiReader, KaraokeAndNotationWordsAreJoinedAsASingerTypesThem)
     EXPECT_NE (s.warnings.back ().find ("2 texts; it sings them together: \"of‿the\""), std::string::npos)
         << s.warnings.back ();
 
+    // Line ends alone don't make lyric events blank-ended: notation programs end their lines with them.
+    ASSERT_TRUE (song (wordsFile (Score::MidiEvent::Lyric, {"Sing\r", "me", "home\r\n"}), s, error));
+    EXPECT_EQ (lyrics (s), (std::vector<std::string> {"Sing", "me", "home"}));
+
     // Plain words over a melody: as many notes a word as the converter gives it elements.
     ASSERT_TRUE (song (wordsFile (Score::MidiEvent::Lyric, {"", "", "", "", ""}), s, error));
     Score::layLyrics ("hello sun extra words", s);
