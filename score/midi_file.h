@@ -1,4 +1,7 @@
 // A Standard MIDI File, read into plain events, and written back from them.
+// Our own parser rather than the toolkit's MIDI file class: it says what is
+// wrong and where, reads past the faults that players read past (and says so),
+// and keeps the events plain values; the word conventions sit on these events.
 #pragma once
 
 #include <cstdint>
