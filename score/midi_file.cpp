@@ -48,6 +48,11 @@ public:
         std::uint32_t v = 0;
         for (int i = 0; i < 4; ++i)
         {
+            if (atEnd ())
+            {
+                short_ = true;
+                fail ("a variable-length number runs past the end of its chunk");
+            }
             const std::uint8_t b = byte ();
             v = (v << 7) | (b & 0x7F);
             if (!(b & 0x80))
@@ -67,15 +72,18 @@ public:
         need (count);
         pos += count;
     }
+    /** Whether the last failure was running out of bytes. */
+    bool atEndOfData () const { return short_; }
     [[noreturn]] void fail (const std::string& what) const
     {
         throw ParseError (where_ + " at byte " + std::to_string (pos) + ": " + what);
     }
 
 private:
-    void need (std::size_t count) const
+    void need (std::size_t count)
     {
-        if (count > n - pos)
+        short_ = count > n - pos;
+        if (short_)
             fail ("truncated (needs " + std::to_string (count) + " more bytes, " + std::to_string (n - pos)
                   + " left)");
     }
@@ -83,86 +91,145 @@ private:
     std::size_t n;
     std::size_t pos = 0;
     std::string where_;
+    bool short_ = false;
 };
 
-MidiTrack parseTrack (const std::uint8_t* data, std::size_t size, int index)
+/** What one file's reading has counted so far, against `MidiLimits`. */
+struct Budget
+{
+    std::size_t events = 0;
+};
+
+void countRepair (std::vector<MidiRepair>& repairs, int track, std::uint64_t tick, std::size_t& count,
+                  const std::string& what)
+{
+    if (count++ == 0)
+        repairs.push_back ({track, tick, true, what});
+}
+
+/**
+ * One track chunk. `cut` says the chunk ran past the end of the file, so its
+ * last event may be cut short; that event is left out, as a player would.
+ */
+MidiTrack parseTrack (const std::uint8_t* data, std::size_t size, int index, bool cut, Budget& budget,
+                      std::vector<MidiRepair>& repairs)
 {
     Reader r (data, size, "track " + std::to_string (index + 1));
     MidiTrack track;
+    // An event takes three bytes at least. Reserving for that many costs address space, not
+    // memory, and spares a long track the copies and page faults of growing step by step.
+    track.events.reserve (std::min (size / 3, MidiLimits::events - std::min (budget.events, MidiLimits::events)));
     std::uint64_t tick = 0;
     int running = 0;
-    while (!r.atEnd ())
+    bool afterMeta = false;   // running status from before a meta or sysex event, which should have ended it
+    std::size_t goneOn = 0;   // how often it went on all the same
+    std::size_t lastWhole = 0;
+    std::uint64_t lastTick = 0;
+    bool ended = false;
+    try
     {
-        tick += r.varlen ();
-        int status = r.peek ();
-        if (status & 0x80)
-            r.byte ();
-        else if (running)
-            status = running;  // running status: the data byte is the first of the event
-        else
-            r.fail ("a data byte where an event should start");
-
-        MidiEvent e;
-        e.tick = tick;
-        if (status < 0xF0)
+        while (!r.atEnd ())
         {
-            running = status;
-            const int type = status & 0xF0;
-            e.channel = status & 0x0F;
-            const int a = r.byte ();
-            const int b = (type == 0xC0 || type == 0xD0) ? 0 : r.byte ();
-            if ((a | b) & 0x80)
-                r.fail ("a status byte inside a channel message");
-            if (type == 0x90 && b > 0)
-                e.kind = MidiEvent::NoteOn;
-            else if (type == 0x80 || type == 0x90)
-                e.kind = MidiEvent::NoteOff;
-            e.pitch = a;
-            e.velocity = b;
+            lastWhole = track.events.size ();
+            lastTick = tick;
+            tick += r.varlen ();
+            int status = r.peek ();
+            if (status & 0x80)
+                r.byte ();
+            else if (running)
+            {
+                status = running;  // running status: the data byte is the first of the event
+                if (afterMeta)
+                    countRepair (repairs, index, tick, goneOn, "running status goes on after a meta or system-exclusive "
+                                                               "event; read as the channel message before it");
+            }
+            else
+                r.fail ("a data byte where an event should start");
+
+            MidiEvent e;
+            e.tick = tick;
+            if (status < 0xF0)
+            {
+                running = status;
+                afterMeta = false;
+                const int type = status & 0xF0;
+                e.channel = status & 0x0F;
+                const int a = r.byte ();
+                const int b = (type == 0xC0 || type == 0xD0) ? 0 : r.byte ();
+                if ((a | b) & 0x80)
+                    r.fail ("a status byte inside a channel message");
+                if (type != 0x80 && type != 0x90)
+                    continue;  // controllers and the like: nothing a song reader or writer keeps
+                e.kind = type == 0x90 && b > 0 ? MidiEvent::NoteOn : MidiEvent::NoteOff;
+                e.pitch = a;
+                e.velocity = b;
+            }
+            else if (status == 0xF0 || status == 0xF7)
+            {
+                afterMeta = running != 0;
+                r.skip (r.varlen ());
+                continue;
+            }
+            else if (status == 0xFF)
+            {
+                afterMeta = running != 0;
+                const int type = r.byte ();
+                const std::uint32_t length = r.varlen ();
+                if (type == 0x2F)
+                {
+                    r.skip (length);
+                    ended = true;
+                    track.events.push_back (std::move (e));  // where the track ends: notes left open end there
+                    break;  // whatever follows is not part of the track
+                }
+                const bool text = type == 0x01 || type == 0x03 || type == 0x05;
+                if (text && length > MidiLimits::textBytes)
+                    r.fail ("a text event of " + std::to_string (length) + " bytes (at most "
+                            + std::to_string (MidiLimits::textBytes) + " are read)");
+                if (!text && type != 0x51 && type != 0x58)
+                {
+                    r.skip (length);
+                    continue;
+                }
+                std::string payload = r.bytes (length);
+                if (type == 0x51)
+                {
+                    if (length != 3)
+                        r.fail ("a tempo event of " + std::to_string (length) + " bytes");
+                    e.kind = MidiEvent::Tempo;
+                    e.value = (std::uint32_t (std::uint8_t (payload[0])) << 16)
+                              | (std::uint32_t (std::uint8_t (payload[1])) << 8) | std::uint8_t (payload[2]);
+                }
+                else if (type == 0x58)
+                {
+                    if (length < 2 || std::uint8_t (payload[0]) == 0 || std::uint8_t (payload[1]) > 6)
+                        continue;
+                    e.kind = MidiEvent::TimeSignature;
+                    e.value = (std::uint32_t (std::uint8_t (payload[0])) << 8) | (1u << std::uint8_t (payload[1]));
+                }
+                else
+                {
+                    e.kind = type == 0x05 ? MidiEvent::Lyric : type == 0x01 ? MidiEvent::Text : MidiEvent::TrackName;
+                    e.text = std::move (payload);
+                }
+            }
+            else
+                r.fail ("status byte " + std::to_string (status) + " has no place in a file");
+            if (++budget.events > MidiLimits::events)
+                r.fail ("more than " + std::to_string (MidiLimits::events) + " notes, tempi and texts in the file");
             track.events.push_back (std::move (e));
         }
-        else if (status == 0xF0 || status == 0xF7)
-        {
-            running = 0;
-            r.skip (r.varlen ());
-        }
-        else if (status == 0xFF)
-        {
-            running = 0;
-            const int type = r.byte ();
-            const std::uint32_t length = r.varlen ();
-            if (type == 0x2F)
-            {
-                r.skip (length);
-                break;  // end of track: whatever follows is not part of it
-            }
-            std::string payload = r.bytes (length);
-            if (type == 0x51)
-            {
-                if (length != 3)
-                    r.fail ("a tempo event of " + std::to_string (length) + " bytes");
-                e.kind = MidiEvent::Tempo;
-                e.value = (std::uint32_t (std::uint8_t (payload[0])) << 16)
-                          | (std::uint32_t (std::uint8_t (payload[1])) << 8) | std::uint8_t (payload[2]);
-            }
-            else if (type == 0x05)
-                e.kind = MidiEvent::Lyric;
-            else if (type == 0x01)
-                e.kind = MidiEvent::Text;
-            else if (type == 0x03)
-                e.kind = MidiEvent::TrackName;
-            else if (type == 0x58 && length >= 2 && std::uint8_t (payload[0]) > 0 && std::uint8_t (payload[1]) <= 6)
-            {
-                e.kind = MidiEvent::TimeSignature;
-                e.value = (std::uint32_t (std::uint8_t (payload[0])) << 8) | (1u << std::uint8_t (payload[1]));
-            }
-            e.text = std::move (payload);
-            if (e.kind != MidiEvent::Other)
-                track.events.push_back (std::move (e));
-        }
-        else
-            r.fail ("status byte " + std::to_string (status) + " has no place in a file");
     }
+    catch (const ParseError&)
+    {
+        if (!cut || !r.atEndOfData ())
+            throw;
+        track.events.resize (lastWhole);
+        repairs.push_back ({index, lastTick, true, "the file ends inside the track's last event; that event is left out"});
+        return track;
+    }
+    if (!ended)
+        repairs.push_back ({index, tick, true, "the track has no end-of-track event; it ends with its chunk"});
     return track;
 }
 
@@ -201,6 +268,7 @@ bool parseMidi (const std::uint8_t* data, std::size_t size, MidiFile& out, std::
         if (headerLength > r.left ())
             r.fail ("header chunk claims " + std::to_string (headerLength) + " bytes");
         out = MidiFile {};
+        Budget budget;
         out.format = static_cast<int> (r.be (2));
         const std::uint32_t declared = r.be (2);
         const std::uint32_t division = r.be (2);
@@ -228,14 +296,23 @@ bool parseMidi (const std::uint8_t* data, std::size_t size, MidiFile& out, std::
             if (r.left () < 8)
                 r.fail ("truncated chunk header");
             const std::string id = r.bytes (4);
-            const std::uint32_t length = r.be (4);
-            if (length > r.left ())
+            std::uint32_t length = r.be (4);
+            const bool cut = length > r.left ();
+            if (cut && (id != "MTrk" || length - r.left () > MidiLimits::overrun))
                 r.fail ("chunk '" + id + "' claims " + std::to_string (length) + " bytes, only "
                         + std::to_string (r.left ()) + " left");
+            const int index = static_cast<int> (out.tracks.size ());
+            if (cut)
+            {
+                out.repairs.push_back ({index, 0, false, "the track's chunk claims " + std::to_string (length)
+                                                      + " bytes, but the file ends " + std::to_string (length - r.left ())
+                                                      + " bytes sooner; read to the end of the file"});
+                length = static_cast<std::uint32_t> (r.left ());
+            }
             const std::uint8_t* body = data + r.offset ();
             r.skip (length);
             if (id == "MTrk")
-                out.tracks.push_back (parseTrack (body, length, static_cast<int> (out.tracks.size ())));
+                out.tracks.push_back (parseTrack (body, length, index, cut, budget, out.repairs));
         }
         if (out.tracks.empty ())
         {

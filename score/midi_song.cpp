@@ -1,5 +1,6 @@
 #include "score/midi_song.h"
 
+#include "score/lyric_placement.h"
 #include "score/midi_lyrics.h"
 #include "score/song_position.h"
 #include "score/text_encoding.h"
@@ -13,18 +14,9 @@ namespace Score {
 
 namespace {
 
-struct Lyric
-{
-    std::uint64_t tick;
-    Syllable syllable;
-    int owner;  // index into the groups, or -1 for whichever track has a note there
-};
-
-struct Group
-{
-    std::string name;
-    std::vector<SongNote> notes;
-};
+constexpr std::size_t maxNotes = 1000000;  // a song's worth many times over; past it memory, not music, is the limit
+constexpr std::size_t repairsSaid = 8;     // a file of many faulty tracks is said in a few lines
+constexpr std::size_t tracksSaid = 16;     // and how the texts of a file of many tracks are read
 
 class Clock
 {
@@ -109,6 +101,7 @@ private:
 void collectNotes (const std::vector<const MidiEvent*>& events, std::uint64_t trackEnd, std::vector<SongNote>& notes,
                    std::vector<std::string>& warnings, const std::string& name)
 {
+    notes.reserve (events.size () / 2);
     std::map<int, std::deque<std::size_t>> open;  // channel * 128 + pitch -> indices into notes
     for (const MidiEvent* e : events)
     {
@@ -119,7 +112,7 @@ void collectNotes (const std::vector<const MidiEvent*>& events, std::uint64_t tr
             n.startTick = e->tick;
             n.pitch = e->pitch;
             open[key].push_back (notes.size ());
-            notes.push_back (n);
+            notes.push_back (std::move (n));
         }
         else if (e->kind == MidiEvent::NoteOff)
         {
@@ -147,32 +140,6 @@ void collectNotes (const std::vector<const MidiEvent*>& events, std::uint64_t tr
         warnings.push_back (name + ": " + std::to_string (before - notes.size ()) + " note(s) of no length dropped");
 }
 
-/** Two texts that reach one note are sung together, unless one is to stay as written. */
-bool attach (Group& group, const Lyric& lyric, const Clock& clock, std::vector<std::string>& warnings)
-{
-    auto& notes = group.notes;
-    auto it = std::lower_bound (notes.begin (), notes.end (), lyric.tick,
-                                [] (const SongNote& n, std::uint64_t t) { return n.startTick < t; });
-    if (it == notes.end () || it->startTick - lyric.tick > clock.tolerance ())
-        return false;
-    Syllable& s = it->syllable;
-    const Syllable& add = lyric.syllable;
-    const std::string where = group.name + ": the note at " + clock.place (it->startTick);
-    if (s.kind == Syllable::Free || s.kind == Syllable::Held)
-        s = add;
-    else if (add.kind == Syllable::AsWritten || s.kind == Syllable::AsWritten)
-        warnings.push_back (where + " has \"" + s.text + "\" already; \"" + add.text + "\" is left out");
-    else if (add.kind != Syllable::Held)
-    {
-        const bool apart = add.kind == Syllable::Single || add.kind == Syllable::Begin;
-        s.text += (apart ? " " : "") + add.text;
-        s.kind = syllableKind (s.kind == Syllable::Single || s.kind == Syllable::Begin,
-                               add.kind == Syllable::Single || add.kind == Syllable::End);
-        warnings.push_back (where + " is reached by two texts; it sings them together: \"" + s.text + "\"");
-    }
-    return true;
-}
-
 /**
  * A MIDI file cannot say that a note holds a syllable, so a note without words
  * does inside a word, and after one when it follows on without a rest.
@@ -191,11 +158,54 @@ void markHeldNotes (std::vector<SongNote>& notes, std::uint64_t slack)
         else if (s.kind != Syllable::Held)
         {
             inWord = s.kind == Syllable::Begin || s.kind == Syllable::Middle;
-            sung = s.kind != Syllable::AsWritten;
+            sung = s.kind != Syllable::AsWritten;  // the host's own form names every note it sings
         }
         lastEnd = n.endTick;
     }
 }
+
+/** Of each chord of a voice that sings words, the top note, as a singer sings one note at a time. */
+void topNotesOnly (MidiVoice& voice, std::vector<std::string>& warnings)
+{
+    auto& notes = voice.notes;  // by start, then from the top
+    const auto before = notes.size ();
+    notes.erase (std::unique (notes.begin (), notes.end (),
+                              [] (const SongNote& a, const SongNote& b) { return a.startTick == b.startTick; }),
+                 notes.end ());
+    if (notes.size () != before)
+        warnings.push_back (voice.name + ": " + std::to_string (before - notes.size ())
+                            + " note(s) under the top note of a chord left out: a voice sings one note at a time");
+}
+
+/** The file's texts as UTF-8, in the one encoding that reads them best; said when it isn't UTF-8. */
+class Decoder
+{
+public:
+    explicit Decoder (const MidiFile& file)
+    {
+        std::vector<const std::string*> texts;
+        for (const MidiTrack& t : file.tracks)
+            for (const MidiEvent& e : t.events)
+                if (e.kind == MidiEvent::Lyric || e.kind == MidiEvent::Text || e.kind == MidiEvent::TrackName)
+                    texts.push_back (&e.text);
+        encoding_ = guessEncoding (texts);
+    }
+    std::string operator() (const std::string& bytes) { return decodeText (bytes, encoding_, unreadable_); }
+    void say (std::vector<std::string>& warnings) const
+    {
+        if (encoding_ == TextEncoding::Utf8)
+            return;
+        std::string what = std::string ("texts that are not UTF-8 are read as ") + encodingName (encoding_);
+        if (unreadable_ > 0)
+            what += "; " + std::to_string (unreadable_) + " byte(s) that are no " + encodingName (encoding_)
+                    + " character stand as U+FFFD";
+        warnings.push_back (what);
+    }
+
+private:
+    TextEncoding encoding_ = TextEncoding::Utf8;
+    std::size_t unreadable_ = 0;
+};
 
 } // namespace
 
@@ -203,30 +213,30 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
 {
     out = Song {};
     Clock clock (file, out.tempi, out.meters);
+    const LyricTiming timing {clock.tolerance (), [&] (std::uint64_t tick) { return clock.place (tick); }};
+    Decoder decode (file);
 
-    bool anyLyricMeta = false;
-    for (const MidiTrack& t : file.tracks)
-        for (const MidiEvent& e : t.events)
-            anyLyricMeta = anyLyricMeta || e.kind == MidiEvent::Lyric;
-
-    std::vector<Group> groups;
-    std::vector<Lyric> lyrics;
+    std::vector<MidiVoice> voices;
+    std::vector<TrackTexts> texts (file.tracks.size ());
+    std::vector<std::string> names;
+    std::size_t noteCount = 0;
     for (std::size_t ti = 0; ti < file.tracks.size (); ++ti)
     {
         const MidiTrack& t = file.tracks[ti];
         std::string name;
         std::uint64_t trackEnd = 0;
         std::map<int, std::vector<const MidiEvent*>> byChannel;
-        std::vector<TimedText> texts;
         for (const MidiEvent& e : t.events)
         {
             trackEnd = std::max (trackEnd, e.tick);
             if (e.kind == MidiEvent::TrackName && name.empty ())
-                name = trimBlanks (toUtf8 (e.text));
+                name = trimBlanks (decode (e.text));
             else if (e.kind == MidiEvent::NoteOn || e.kind == MidiEvent::NoteOff)
                 byChannel[file.format == 0 ? e.channel : 0].push_back (&e);
-            else if (e.kind == (anyLyricMeta ? MidiEvent::Lyric : MidiEvent::Text))
-                texts.push_back ({e.tick, toUtf8 (e.text)});
+            else if (e.kind == MidiEvent::Lyric)
+                texts[ti].lyrics.push_back ({e.tick, decode (e.text)});
+            else if (e.kind == MidiEvent::Text)
+                texts[ti].texts.push_back ({e.tick, decode (e.text)});
         }
         // A format 0 file's one name, or the name of a format 1 file's first track
         // when it holds no notes (the conductor track), names the song.
@@ -234,58 +244,95 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
             out.title = name;
         if (name.empty ())
             name = "Track " + std::to_string (ti + 1);
-        std::vector<std::string> notices;
-        const auto syllables = readLyricTexts (texts, !anyLyricMeta, options.rawLyrics, notices);
-        for (const auto& n : notices)
-            out.warnings.push_back (name + ": " + n);
-        const std::size_t firstGroup = groups.size ();
+        names.push_back (name);
         for (auto& [channel, events] : byChannel)
         {
-            Group g;
-            g.name = byChannel.size () > 1 ? name + " ch " + std::to_string (channel + 1) : name;
-            collectNotes (events, trackEnd, g.notes, out.warnings, g.name);
-            if (g.notes.empty ())
+            MidiVoice v;
+            v.name = byChannel.size () > 1 ? name + " ch " + std::to_string (channel + 1) : name;
+            v.track = static_cast<int> (ti);
+            collectNotes (events, trackEnd, v.notes, out.warnings, v.name);
+            if (v.notes.empty ())
                 continue;
-            std::stable_sort (g.notes.begin (), g.notes.end (), [] (const SongNote& a, const SongNote& b) {
+            if ((noteCount += v.notes.size ()) > maxNotes)
+            {
+                error = "more than " + std::to_string (maxNotes) + " notes in the file";
+                return false;
+            }
+            const auto order = [] (const SongNote& a, const SongNote& b) {
                 return a.startTick != b.startTick ? a.startTick < b.startTick : a.pitch > b.pitch;
-            });
-            groups.push_back (std::move (g));
+            };
+            if (!std::is_sorted (v.notes.begin (), v.notes.end (), order))  // as they mostly are: spare the copies
+                std::stable_sort (v.notes.begin (), v.notes.end (), order);
+            voices.push_back (std::move (v));
         }
-        // Words of a track that sings go to its own notes; a channel split or a
-        // words-only track leaves them to whichever track has a note there.
-        const int owner = groups.size () == firstGroup + 1 ? static_cast<int> (firstGroup) : -1;
-        for (const auto& s : syllables)
-            lyrics.push_back ({s.tick, s.syllable, owner});
     }
-    if (groups.empty ())
+    for (std::size_t i = 0; i < file.repairs.size (); ++i)
+    {
+        const MidiRepair& r = file.repairs[i];
+        if (i == repairsSaid)
+        {
+            out.warnings.push_back (std::to_string (file.repairs.size () - i) + " more repairs of the same kinds in "
+                                    "later tracks");
+            break;
+        }
+        const auto track = static_cast<std::size_t> (r.track);
+        const std::string name = track < names.size () ? names[track] : "track " + std::to_string (r.track + 1);
+        out.warnings.push_back (name + " (track " + std::to_string (r.track + 1) + "): " + r.what
+                                + (r.placed ? ", at " + clock.place (r.tick) : std::string ()));
+    }
+    decode.say (out.warnings);
+    if (voices.empty ())
     {
         error = "the file holds no notes";
         return false;
     }
 
-    std::stable_sort (lyrics.begin (), lyrics.end (), [] (const Lyric& a, const Lyric& b) { return a.tick < b.tick; });
-    int unplaced = 0;
-    for (const Lyric& l : lyrics)
+    bool lyricsInFile = false;
+    for (const auto& t : texts)
+        lyricsInFile = lyricsInFile || hasLyricWords (t);
+    std::vector<TrackLyrics> words;
+    std::vector<std::vector<std::string>> notices (texts.size ());  // what is said of each track's texts
+    for (std::size_t ti = 0; ti < texts.size (); ++ti)
     {
-        bool placed = false;
-        if (l.owner >= 0)
-            placed = attach (groups[static_cast<std::size_t> (l.owner)], l, clock, out.warnings);
-        else
-            for (auto& g : groups)
-                if ((placed = attach (g, l, clock, out.warnings)))
-                    break;
-        if (!placed && l.syllable.kind != Syllable::Held && ++unplaced <= 5)
-            out.warnings.push_back ("lyric \"" + l.syllable.text + "\" at " + clock.place (l.tick)
-                                    + " stands on no note and is left out");
+        TrackWords w = readTrackWords (texts[ti], lyricsInFile, options.rawLyrics);
+        notices[ti] = std::move (w.notices);
+        if (w.syllables.empty ())
+            continue;
+        notices[ti].push_back (std::string ("words from its ") + (w.fromLyricEvents ? "lyric" : "text") + " events, "
+                               + describe (w.convention));
+        words.push_back ({names[ti], static_cast<int> (ti), std::move (w.syllables)});
     }
-    if (unplaced > 5)
-        out.warnings.push_back (std::to_string (unplaced - 5) + " more lyric(s) left out");
 
-    for (auto& g : groups)
+    const std::vector<int> singers = chooseSingers (voices, words, timing);
+    std::vector<bool> sings (voices.size (), false);
+    for (std::size_t w = 0; w < words.size (); ++w)
+        if (singers[w] >= 0)
+        {
+            const MidiVoice& singer = voices[static_cast<std::size_t> (singers[w])];
+            sings[static_cast<std::size_t> (singers[w])] = true;
+            if (singer.track != words[w].track)
+                notices[static_cast<std::size_t> (words[w].track)].push_back ("its words are sung by " + singer.name);
+        }
+    // A file of thousands of tracks is said of a few of them.
+    std::size_t said = 0, unsaid = 0;
+    for (std::size_t ti = 0; ti < notices.size (); ++ti)
+        if (!notices[ti].empty () && ++said > tracksSaid)
+            ++unsaid;
+        else
+            for (const auto& n : notices[ti])
+                out.warnings.push_back (names[ti] + ": " + n);
+    if (unsaid > 0)
+        out.warnings.push_back (std::to_string (unsaid) + " more tracks with texts, not told one by one");
+    for (std::size_t v = 0; v < voices.size (); ++v)
+        if (sings[v])
+            topNotesOnly (voices[v], out.warnings);
+    placeLyrics (voices, words, singers, timing, out.warnings);
+
+    for (auto& v : voices)
     {
         SongTrack t;
-        t.name = g.name;
-        t.notes = std::move (g.notes);
+        t.name = v.name;
+        t.notes = std::move (v.notes);
         markHeldNotes (t.notes, clock.tolerance ());
         typeLyrics (t.notes);
         for (auto& n : t.notes)

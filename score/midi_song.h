@@ -10,13 +10,15 @@
 namespace Score {
 
 /**
- * Pairs note-ons with note-offs, applies the tempo map, and places each lyric
- * on the note that starts at or just after it (within a sixteenth). Lyric meta
- * events are used when the file has any; otherwise text events are, as
- * karaoke files carry their words there (see midi_lyrics.h). A note without
- * words holds the syllable before it inside a word, and after one when it
- * follows on without a rest. Format 0 files are split by channel.
- * Returns false with a message for a file without notes.
+ * Pairs note-ons with note-offs, applies the tempo map, reads each track's
+ * texts by the convention they show (midi_lyrics.h), and places the words on
+ * the notes of the voice that sings them (lyric_placement.h); a voice that
+ * sings words sings the top note of each chord. A note without words holds
+ * the syllable before it inside a word, and after one when it follows on
+ * without a rest. Format 0 files are split by channel. The file's repairs,
+ * its texts' encoding and each track's convention are said in the song's
+ * warnings. Returns false with a message for a file without notes or with
+ * more than a million.
  */
 bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const ReadOptions& options = {});
 

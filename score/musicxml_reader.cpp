@@ -28,6 +28,7 @@ struct ScoreNote
     bool hasText = false;   // the syllable of the verse asked for
     std::string text;
     bool begins = true, ends = true;
+    bool elided = false;  // several syllables on this one note
     bool extend = false;  // the notes after it, up to the next syllable, hold it
     bool held = false;    // an extension line without a syllable
 };
@@ -61,33 +62,61 @@ int pitchOf (const XmlElement& note)
     return static_cast<int> (std::lround (std::clamp (midi, 0.0, 127.0)));
 }
 
+/** One <text> of a <lyric>, the <syllabic> before it, and whether an <elision> stands between it and the one before. */
+struct LyricPart
+{
+    std::string syllabic, text;
+    bool elided = false;
+};
+
+/**
+ * What one <lyric> sings on its note. Syllables elided onto one note (and
+ * texts that follow one another without an <elision>) are all sung there,
+ * joined by the undertie; the first syllabic says whether the note begins a
+ * word, the last whether it ends one.
+ */
+void takeParts (const std::vector<LyricPart>& parts, ScoreNote& n)
+{
+    std::string words;
+    for (const auto& p : parts)
+        words += (words.empty () ? "" : elisionMark) + p.text;
+    const std::string first = parts.front ().syllabic, last = parts.back ().syllabic;
+    n.hasText = true;
+    n.text = toUtf8 (words);
+    n.elided = parts.size () > 1;
+    n.begins = first.empty () || first == "single" || first == "begin";
+    n.ends = last.empty () || last == "single" || last == "end";
+}
+
 void readWords (const XmlElement& note, const std::string& verse, ScoreNote& n)
 {
     for (auto* lyric : note.getChildWithTagNameIterator ("lyric"))
     {
-        std::string words;
-        std::string first, last;  // syllabic of the first and the last syllable (more when elided)
+        std::vector<LyricPart> parts;
+        std::string syllabic;
+        bool elision = false;
         for (auto* c : lyric->getChildIterator ())
         {
-            if (c->hasTagName ("text") && !textOf (*c).empty ())
-                words += (words.empty () ? "" : " ") + textOf (*c);
-            else if (c->hasTagName ("syllabic"))
-                (first.empty () ? first : last) = textOf (*c);
+            if (c->hasTagName ("syllabic"))
+                syllabic = textOf (*c);
+            else if (c->hasTagName ("elision"))
+                elision = true;
+            else if (c->hasTagName ("text") && !textOf (*c).empty ())
+            {
+                parts.push_back ({syllabic, textOf (*c), elision});
+                syllabic.clear ();
+                elision = false;
+            }
         }
-        if (last.empty ())
-            last = first;
         const XmlElement* extend = lyric->getChildByName ("extend");
-        n.anyWords = n.anyWords || !words.empty ();
+        n.anyWords = n.anyWords || !parts.empty ();
         if (lyric->getStringAttribute ("number", "1").trim ().toStdString () != verse)
             continue;
-        if (words.empty ())
+        if (parts.empty ())
             n.held = n.held || extend;
         else if (!n.hasText)
         {
-            n.hasText = true;
-            n.text = toUtf8 (words);
-            n.begins = first.empty () || first == "single" || first == "begin";
-            n.ends = last.empty () || last == "single" || last == "end";
+            takeParts (parts, n);
             n.extend = extend && extend->getStringAttribute ("type") != "stop";
         }
     }
@@ -301,7 +330,9 @@ SongTrack track (const std::string& name, const std::vector<ScoreNote>& line, bo
         if (n.hasText)
         {
             s.syllable.text = n.text;
-            s.syllable.kind = raw || hasHint (n.text) ? Syllable::AsWritten : syllableKind (n.begins, n.ends);
+            s.syllable.kind = raw || hasHint (n.text) ? Syllable::AsWritten
+                              : n.elided                   ? Syllable::Elided
+                                                           : syllableKind (n.begins, n.ends);
             inWord = s.syllable.kind != Syllable::AsWritten && !n.ends;
             extending = s.syllable.kind != Syllable::AsWritten && n.extend;
         }

@@ -2,6 +2,8 @@
 
 namespace Score {
 
+const char* const elisionMark = "\xE2\x80\xBF";  // U+203F
+
 Syllable::Kind syllableKind (bool beginsWord, bool endsWord)
 {
     if (beginsWord)

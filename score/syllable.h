@@ -16,11 +16,15 @@ struct Syllable
         Middle,
         End,
         Held,      ///< a melisma note: it holds the syllable before it
-        AsWritten  ///< typed exactly as written, never joined: raw lyrics and the host's own `word[hint]`
+        AsWritten, ///< typed exactly as written, never joined: raw lyrics and the host's own `word[hint]`
+        Elided     ///< several syllables, all sung on this one note: a word apart, joined by `elisionMark`
     };
     Kind kind = Free;
-    std::string text;  ///< UTF-8, for Single to End and AsWritten
+    std::string text;  ///< UTF-8, for Single to End, AsWritten and Elided
 };
+
+/** The undertie that scores print between elided syllables, and that joins them in an `Elided` text. */
+extern const char* const elisionMark;
 
 /** The kind of a syllable that does or doesn't begin and end its word. */
 Syllable::Kind syllableKind (bool beginsWord, bool endsWord);

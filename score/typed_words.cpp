@@ -226,6 +226,53 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
     return text;
 }
 
+/**
+ * Elided syllables and the notes that hold them, in the host's own form: the
+ * syllables as written and in brackets every sound the converter gives them,
+ * so that all are sung on the one note instead of running on to the notes
+ * after it; each note that holds them "[-]", the last with the closing sounds
+ * of the last syllable, as the converter deals a held word's.
+ */
+std::vector<std::string> typeElided (const std::string& text, std::size_t holds)
+{
+    std::vector<std::string> typed (1 + holds, "[-]");
+    std::string spaced;
+    const std::string mark = elisionMark;
+    for (std::size_t i = 0; i < text.size ();)
+        if (text.compare (i, mark.size (), mark) == 0)
+        {
+            spaced += ' ';
+            i += mark.size ();
+        }
+        else
+            spaced += text[i++];
+    std::vector<std::string> sounds;
+    std::size_t closing = 0;  // where the closing sounds of the last syllable begin
+    for (const auto& element : convert (spaced))
+    {
+        std::vector<std::string> parts;
+        for (const auto& token : tokens (element))
+            if (token != "-")
+                parts.push_back (token);
+        if (parts.empty ())
+            continue;
+        closing = sounds.size () + Zelmor::findNucleus (parts) + 1;
+        sounds.insert (sounds.end (), parts.begin (), parts.end ());
+    }
+    typed[0] = text;
+    if (sounds.empty ())
+        return typed;
+    if (holds == 0)
+        closing = sounds.size ();
+    std::string hint, tail;
+    for (std::size_t k = 0; k < sounds.size (); ++k)
+        (k < closing ? hint : tail) += (k < closing ? (hint.empty () ? "" : " ") : " ") + sounds[k];
+    typed[0] += "[" + hint + "]";
+    if (!tail.empty ())
+        typed.back () = "[-" + tail + "]";
+    return typed;
+}
+
 } // namespace
 
 std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
@@ -238,6 +285,9 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
     };
     std::vector<std::string> typed (notes.size ());
     std::optional<Word> word;
+    // After a note that brings its own phonemes, a held note says so itself: left
+    // empty, it would take the next of the sounds the host finds in that text.
+    bool afterOwnSounds = false;
     auto finish = [&] {
         if (word)
             typed[word->first] = typeWord (word->syllables);
@@ -251,7 +301,9 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
         case Syllable::Held:
             if (word)
                 ++word->syllables.back ().holds;
-            break;
+            else if (afterOwnSounds)
+                typed[i] = "[-]";
+            continue;
         case Syllable::Single:
         case Syllable::Begin:
         case Syllable::Middle:
@@ -267,11 +319,29 @@ std::vector<std::string> typedWords (const std::vector<Syllable>& notes)
         case Syllable::AsWritten:
             finish ();
             typed[i] = s.text;
-            break;
+            afterOwnSounds = hasHint (s.text);
+            continue;
+        case Syllable::Elided:
+        {
+            finish ();
+            std::size_t holds = 0;
+            while (i + 1 + holds < notes.size () && notes[i + 1 + holds].kind == Syllable::Held)
+                ++holds;
+            if (s.text.size () > longestWord)
+            {
+                typed[i] = s.text;
+                continue;
+            }
+            const auto elided = typeElided (s.text, holds);
+            std::copy (elided.begin (), elided.end (), typed.begin () + static_cast<std::ptrdiff_t> (i));
+            i += holds;
+            continue;
+        }
         case Syllable::Free:
             finish ();
             break;
         }
+        afterOwnSounds = false;
     }
     finish ();
     return typed;

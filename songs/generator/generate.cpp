@@ -1,5 +1,7 @@
-// Writes our own songs (.mid files and a MusicXML score): generate [FOLDER] (default: the current one).
+// Writes our own songs (.mid files and a MusicXML score): generate [FOLDER] (default: the current one);
+// with --layouts after the folder, the files in other programs' layouts instead.
 #include "songs/generator/compose.h"
+#include "songs/generator/layouts.h"
 
 #include <cstdio>
 #include <fstream>
@@ -7,7 +9,8 @@
 int main (int argc, char** argv)
 {
     const std::string folder = argc > 1 ? argv[1] : ".";
-    for (const auto& song : Songs::all ())
+    const bool layouts = argc > 2 && std::string (argv[2]) == "--layouts";
+    for (const auto& song : layouts ? Songs::layouts () : Songs::all ())
     {
         const auto bytes = Songs::bytes (song);
         const std::string path = folder + "/" + song.file;
