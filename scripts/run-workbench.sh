@@ -5,7 +5,7 @@
 # build/run-workbench.log (the folder of CANTORELA_BUILD_DIR), and standard output
 # holds the workbench's report alone.
 set -euo pipefail
-root="$(cd "$(dirname "$0")/.." && pwd -P)"
+root="$(cd -P "$(dirname "$0")/.." && pwd)"
 build="${CANTORELA_BUILD_DIR:-$root/build}"
 mkdir -p "$build"
 log="$build/run-workbench.log"

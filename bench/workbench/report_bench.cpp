@@ -1,8 +1,10 @@
 // What the workbench does after the run, for a song of 400 notes: the table,
-// the JSON, the piano roll written as PNG.
+// the JSON, the piano roll written as PNG (its pages), and the search for what
+// is not sung, which converts each word once more.
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
+#include "workbench/cli/unsung.h"
 #include "score/midi_song.h"
 #include "songs/generator/compose.h"
 
@@ -42,6 +44,16 @@ void Json (benchmark::State& state)
         benchmark::DoNotOptimize (Workbench::json ("long400.mid", outcome));
 }
 BENCHMARK (Json)->Unit (benchmark::kMillisecond);
+
+void Unsung (benchmark::State& state)
+{
+    const auto& outcome = long400 ();
+    std::size_t found = 0;
+    for (auto _ : state)
+        found = Workbench::unsungSounds (outcome).size ();
+    state.counters["notices"] = static_cast<double> (found);
+}
+BENCHMARK (Unsung)->Unit (benchmark::kMillisecond);
 
 void PianoRoll (benchmark::State& state)
 {

@@ -1,5 +1,6 @@
 #include "workbench/cli/options.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -48,7 +49,7 @@ const Option options[] = {
     {"--json", nullptr, Takes::Nothing, nullptr, "print JSON (docs/workbench-output.schema.json) instead of the table",
      [] (CommandLine& c, const std::string&, std::string&) { return c.asJson = true; }},
     {"--piano-roll", nullptr, Takes::Output, "FILE.png",
-     "also draw the received notes into a PNG (a long song: FILE-1.png, FILE-2.png, ...)",
+     "also draw the received notes into a PNG; a long song takes pages FILE-1.png, FILE-2.png, ...",
      [] (CommandLine& c, const std::string& v, std::string&) {
          c.roll = true;
          c.rollPath = v;
@@ -64,7 +65,8 @@ const Option options[] = {
      },
      true},
     {"--midi-lyrics", nullptr, Takes::Text, "host|plain",
-     "lyric events of --write-midi: the host's word[hint] (default), or plain syllables for other programs",
+     "lyric events of --write-midi: the host's word[hint] (default), or plain syllables\n"
+     "                       with hyphens, for other programs",
      [] (CommandLine& c, const std::string& v, std::string& e) {
          if (v != "host" && v != "plain")
          {
@@ -75,8 +77,8 @@ const Option options[] = {
          return true;
      }},
     {"--out", nullptr, Takes::Output, "DIR",
-     "write each song's report (NAME.txt or NAME.json) into DIR, and with --piano-roll or --write-midi "
-     "(no file name then) NAME.png and NAME.sung.mid",
+     "write each song's report into DIR as NAME.txt or NAME.json; --piano-roll and --write-midi\n"
+     "                       then take no file name and write NAME.png and NAME.sung.mid",
      [] (CommandLine& c, const std::string& v, std::string&) {
          c.outDir = v;
          return true;
@@ -182,7 +184,8 @@ std::string usage ()
         std::string names = std::string ("  ") + (o.alias ? std::string (o.alias) + ", " : "") + o.name;
         if (o.value)
             names += std::string (" ") + o.value;
-        names.resize (std::max<std::size_t> (names.size () + 1, 22), ' ');
+        // A long name gets a line of its own, so that the help stays in one column.
+        names += names.size () < 22 ? std::string (22 - names.size (), ' ') : "\n" + std::string (22, ' ');
         out += names + " " + o.help + "\n";
     }
     out += "Exit status: 0 when every song was sung, 1 when one failed, 2 for a wrong command line.\n";

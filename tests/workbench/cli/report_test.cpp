@@ -2,6 +2,7 @@
 // MIDI file of what the host holds.
 #include "score/midi_song.h"
 #include "tests/workbench/sim/fakes.h"
+#include "workbench/cli/file_output.h"
 #include "workbench/cli/host_notes.h"
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
@@ -9,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 namespace {
 
@@ -130,6 +134,20 @@ TEST (Report, SongFileKeepsOverlapsOfOnePitchAndPositionsOffTheUsualGrid)
     outcome.synthesisers[0].hostNotes[1].endBeat = 1e12;  // past what the ticks hold
     EXPECT_FALSE (Workbench::songFile ("s", outcome, Workbench::MidiLyrics::Host, file, error));
     EXPECT_NE (error.find ("past what a MIDI file"), std::string::npos) << error;
+}
+
+TEST (Report, AFailedWriteLeavesNothingBehind)
+{
+    // The rename over a folder fails after the temporary file is written: it must go again.
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::path (::testing::TempDir ()) / ("replace-" + std::to_string (::getpid ()));
+    fs::remove_all (dir);
+    fs::create_directories (dir / "target.png");
+    std::string error;
+    EXPECT_FALSE (Workbench::replaceFile ((dir / "target.png").string (), {1, 2, 3}, error));
+    EXPECT_NE (error.find ("cannot write " + (dir / "target.png").string ()), std::string::npos) << error;
+    EXPECT_EQ (std::distance (fs::directory_iterator (dir), {}), 1);
+    fs::remove_all (dir);
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -254,6 +255,42 @@ TEST (Workbench, SaysWhatIsNotSungWhereTheUserLooks)
     EXPECT_EQ (juce::JSON::toString (notices[0]["sounds"], true), "[\"v er\", \"iy\"]");
     EXPECT_EQ (notices[0]["at"].toString (), "1:1");
     EXPECT_EQ (int (notices[1]["note"]), 63);
+}
+
+TEST (Workbench, SeveralSongsOrAFolderWriteEachOneUnderItsOwnName)
+{
+    namespace fs = std::filesystem;
+    const std::string in = temp ("batch-in"), out = temp ("batch-out");
+    fs::remove_all (in);
+    fs::remove_all (out);
+    fs::create_directories (in);
+    fs::copy_file (song ("duet.mid"), in + "/duet.mid");
+    fs::copy_file (song ("evening.kar"), in + "/evening.kar");
+    std::ofstream (in + "/broken.mid") << "not a song";
+    std::ofstream (in + "/notes.txt") << "not a song either, and not taken for one";
+
+    const Outcome run = workbench (in + " --out " + out + " --piano-roll --write-midi");
+    EXPECT_EQ (run.status, 1) << "one song failed";
+    EXPECT_NE (run.err.find ("broken.mid: not a Standard MIDI File"), std::string::npos) << run.err;
+    EXPECT_NE (run.err.find ("workbench: 3 songs: 2 sung, 1 failed (broken.mid)\n"), std::string::npos) << run.err;
+    EXPECT_TRUE (run.out.empty ());
+    std::vector<std::string> written;
+    for (const auto& e : fs::directory_iterator (out))
+        written.push_back (e.path ().filename ().string ());
+    std::sort (written.begin (), written.end ());
+    EXPECT_EQ (written, (std::vector<std::string> {"duet.png", "duet.sung.mid", "duet.txt", "evening.png",
+                                                   "evening.sung.mid", "evening.txt"}));
+    EXPECT_EQ (slurp (out + "/duet.txt"), expected ("duet.txt"));
+
+    // Two songs of one name would write one report: refused before either runs.
+    EXPECT_EQ (workbench (in + "/duet.mid " + in + "/evening.kar --json --out " + out).status, 0);
+    EXPECT_EQ (slurp (out + "/duet.json"), expected ("duet.json"));
+    fs::copy_file (song ("duet.mid"), in + "/evening.mid");
+    const Outcome twice = workbench (in + "/evening.kar " + in + "/evening.mid --out " + out);
+    EXPECT_EQ (twice.status, 1);
+    EXPECT_NE (twice.err.find ("evening.txt is named for two outputs: the report of evening.kar and the report of "
+                               "evening.mid"),
+               std::string::npos) << twice.err;
 }
 
 TEST (Workbench, BadInputIsRefusedWithAReason)
