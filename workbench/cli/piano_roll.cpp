@@ -423,7 +423,7 @@ void drawWords (juce::Graphics& g, const PageView& v, const Panel& p, int rollBo
 
 juce::Image drawPage (const PageView& v)
 {
-    juce::Image image (juce::Image::RGB, v.page.width, v.page.height, true);
+    juce::Image image (juce::Image::RGB, v.page.width, v.page.height, false);  // painted white whole below
     juce::Graphics g (image);
     g.fillAll (juce::Colours::white);
     const juce::Font label (12.0f, juce::Font::bold);
