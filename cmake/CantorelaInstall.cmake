@@ -33,8 +33,6 @@ endif()
 foreach(program workbench lyric2phoneme)
   if(TARGET ${program})
     install(TARGETS ${program} RUNTIME DESTINATION ${CANTORELA_INSTALL_BINDIR})
-    # What --version prints.
-    target_compile_definitions(${program} PRIVATE CANTORELA_VERSION="${PROJECT_VERSION}")
   endif()
 endforeach()
 

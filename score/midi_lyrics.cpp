@@ -15,9 +15,14 @@ bool blank (const std::string& text) { return trimBlanks (text).empty (); }
 
 std::size_t wordCount (const std::string& text)
 {
-    std::size_t words = 0;
+    // Phonemes written in brackets after a word ("Quiet[k w ay]") are part of that word.
+    std::size_t words = 0, depth = 0;
     for (std::size_t i = 0; i < text.size (); ++i)
-        words += !isBreak (text[i]) && (i == 0 || isBreak (text[i - 1])) ? 1 : 0;
+    {
+        depth += text[i] == '[' ? 1 : 0;
+        words += depth == 0 && !isBreak (text[i]) && (i == 0 || isBreak (text[i - 1])) ? 1 : 0;
+        depth -= text[i] == ']' && depth > 0 ? 1 : 0;
+    }
     return words;
 }
 

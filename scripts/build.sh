@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Configures and builds everything into build/ (the bundle lands in build/CantorelaBetaAgent.vst3).
 set -euo pipefail
-root="$(cd "$(dirname "$0")/.." && pwd)"
+root="$(cd -P "$(dirname "$0")/.." && pwd)"
 build="${CANTORELA_BUILD_DIR:-$root/build}"
 jobs="${CANTORELA_JOBS:-$(nproc)}"
 

@@ -8,7 +8,7 @@ packages=(
   libfreetype-dev libpng-dev libjpeg-dev zlib1g-dev
   libx11-dev libxext-dev libxrandr-dev libxinerama-dev libxcursor-dev libxcomposite-dev libfontconfig1-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  pocketsphinx-en-us espeak-ng
+  pocketsphinx-en-us espeak-ng python3
   xvfb xauth x11-utils imagemagick fonts-dejavu-core fonts-vlgothic
 )
 

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <random>
 #ifndef _WIN32
 #include <sys/wait.h>
@@ -103,17 +104,43 @@ TEST(Lyric2Phoneme, PrintsElementsAndJson)
     EXPECT_EQ(json.out, "{\"lyric\": \"hel-lo\", \"elements\": [\"hh ah\", \"- \", \"l ow\"]}\n"
                         "{\"lyric\": \"\\\"q\\\"\", \"elements\": [\"k y uw\"]}\n");
 
-    EXPECT_EQ(run("--bogus").status, 2);
 }
 
-TEST(Lyric2Phoneme, InvalidUtf8NamesTheByteOffset)
+TEST(Lyric2Phoneme, InvalidUtf8NamesTheByteOffsetAndTheRestIsConverted)
 {
-    ToolRun bad = run("hello \"$(printf 'ab\\343\\201')\"");
+    ToolRun bad = run("hello \"$(printf 'ab\\343\\201')\" cat-");
     EXPECT_EQ(bad.status, 1);
     EXPECT_NE(bad.out.find("invalid UTF-8 in argument 2 at byte offset 2"), std::string::npos) << bad.out;
+    EXPECT_NE(bad.out.find("k ae\n- t\n"), std::string::npos) << bad.out;
 
-    ToolRun badLine = run("", "printf 'ok\\nx\\377\\n' | ");
-    EXPECT_NE(badLine.status, 0);
+    ToolRun badLine = run("", "printf 'ok\\nx\\377\\nhello\\n' | ");
+    EXPECT_EQ(badLine.status, 1);
     EXPECT_NE(badLine.out.find("line 2 at byte offset 1"), std::string::npos) << badLine.out;
+    EXPECT_NE(badLine.out.find("hh ah\nl ow\n"), std::string::npos) << badLine.out;
+}
+
+TEST(Lyric2Phoneme, ReadsTheHostsOwnFormAndAnswersHelpAndVersion)
+{
+    // The user's phonemes for the note, then what the agent deals on from the whole text.
+    const struct {
+        const char* args;
+        int status;
+        const char* out;
+    } cases[] = {
+        {"--json 'read[r eh d]' '[k a]' '[ k a ]'",
+         0, "{\"lyric\": \"read[r eh d]\", \"elements\": [\"r eh d\", \"eh\", \"d\"]}\n"
+            "{\"lyric\": \"[k a]\", \"elements\": [\"k a\"]}\n"
+            "{\"lyric\": \"[ k a ]\", \"elements\": [\"k a\"]}\n"},
+        {"'la[ ]' la", 1, "lyric2phoneme: argument 1: the brackets hold only blanks, which the agent cannot take\nl aa\n"},
+        {"-h", 0, "usage: lyric2phoneme [--json] [LYRIC...]\n"},
+        {"--version", 0, "lyric2phoneme " CANTORELA_VERSION "\n"},
+        {"--bogus", 2, "usage: lyric2phoneme [--json] [LYRIC...]   (lyric2phoneme --help for more)\n"
+                       "lyric2phoneme: unknown option --bogus\n"},
+    };
+    for (const auto& c : cases) {
+        const ToolRun r = run(c.args);
+        EXPECT_EQ(r.status, c.status) << c.args;
+        EXPECT_EQ(r.out.substr(0, std::strlen(c.out)), c.out) << c.args;
+    }
 }
 #endif

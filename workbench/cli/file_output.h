@@ -14,4 +14,10 @@ namespace Workbench {
  */
 bool replaceFile (const std::string& path, const std::vector<std::uint8_t>& bytes, std::string& error);
 
+/** Whether files may be made in `folder`, as far as the system tells before trying. */
+bool folderWritable (const std::string& folder);
+
+/** A new file in the system's temporary folder holding `bytes`; empty with a message if it cannot be made. */
+std::string temporaryCopy (const std::vector<std::uint8_t>& bytes, std::string& error);
+
 } // namespace Workbench

@@ -76,4 +76,30 @@ bool replaceFile (const std::string& path, const std::vector<std::uint8_t>& byte
     return true;
 }
 
+bool folderWritable (const std::string& folder)
+{
+    // Windows keeps who may write in access lists; trying is the only sure test, and the write does that.
+    const DWORD attributes = GetFileAttributesW (wide (folder).c_str ());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+std::string temporaryCopy (const std::vector<std::uint8_t>& bytes, std::string& error)
+{
+    wchar_t dir[MAX_PATH + 1], name[MAX_PATH + 1];
+    if (!GetTempPathW (MAX_PATH + 1, dir) || !GetTempFileNameW (dir, L"wb", 0, name))
+    {
+        error = "cannot make a temporary file: " + lastErrorText ();
+        return {};
+    }
+    const int units = WideCharToMultiByte (CP_UTF8, 0, name, -1, nullptr, 0, nullptr, nullptr);
+    std::string path (static_cast<std::size_t> (units > 1 ? units - 1 : 0), '\0');
+    WideCharToMultiByte (CP_UTF8, 0, name, -1, path.data (), units, nullptr, nullptr);
+    if (!replaceFile (path, bytes, error))
+    {
+        DeleteFileW (name);
+        return {};
+    }
+    return path;
+}
+
 } // namespace Workbench

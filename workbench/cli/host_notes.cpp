@@ -47,4 +47,17 @@ std::string wordOf (const std::string& lyric)
     return open == std::string::npos ? lyric : lyric.substr (0, open);
 }
 
+std::string hintOf (const std::string& lyric)
+{
+    if (lyric.empty () || lyric.back () != ']')
+        return {};
+    const auto open = lyric.rfind ('[');
+    if (open == std::string::npos)
+        return {};
+    const auto first = lyric.find_first_not_of (" \t", open + 1);
+    const auto last = lyric.find_last_not_of (" \t", lyric.size () - 2);
+    return first == std::string::npos || last == std::string::npos || last < first ? std::string ()
+                                                                                      : lyric.substr (first, last - first + 1);
+}
+
 } // namespace Workbench

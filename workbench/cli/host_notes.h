@@ -15,6 +15,8 @@ struct HostNote
     double startBeat = 0.0, endBeat = 0.0;  ///< quarter notes, through the project's tempo map
     int pitch = 60;
     std::string lyric;  ///< its "lyrics" text: `word[hint]`, `[hint]` or empty
+    std::string typed;  ///< what the user typed on it, if anything
+    int part = 0;       ///< which part of its track it lies in; a word never reaches into the next
 };
 
 /**
@@ -28,5 +30,7 @@ std::vector<std::string> lyricsOfRecords (const std::vector<SVS::SVSNote>& recor
 
 /** The word of a lyric as the host holds it: the text before its `[hint]`. */
 std::string wordOf (const std::string& lyric);
+/** The hint of a lyric as the host holds it: the text in its last brackets, trimmed; empty when none. */
+std::string hintOf (const std::string& lyric);
 
 } // namespace Workbench

@@ -1,20 +1,17 @@
-// workbench: reads a song, loads the agent module as a host does, builds a
-// project from the song, types its lyrics, and shows what each synthesiser received.
+// workbench: reads songs, loads the agent module as a host does, builds a
+// project from each song, types its lyrics, and shows what each synthesiser received.
 #include "workbench/cli/options.h"
-#include "workbench/cli/piano_roll.h"
-#include "workbench/cli/report.h"
-#include "workbench/cli/session.h"
-#include "workbench/cli/song_file.h"
+#include "workbench/cli/song_run.h"
 #include "workbench/loader/module_search.h"
 
 #include "score/file_bytes.h"
-#include "score/lay_lyrics.h"
-#include "score/midi_song.h"
-#include "score/song_reader.h"
-#include "songs/generator/compose.h"
 
 #include <cstdio>
 #include <string>
+
+#ifndef CANTORELA_VERSION
+#define CANTORELA_VERSION "unknown"
+#endif
 
 namespace {
 
@@ -24,39 +21,30 @@ int fail (const std::string& message, int code = 1)
     return code;
 }
 
-/** The song the user named, or the built-in example; its name titles the project. */
-bool readSong (const Workbench::CommandLine& command, Score::Song& song, std::string& name, std::string& error)
+/** A wrong command line: the reason comes last, where the eye lands. */
+int usageError (const std::string& reason)
 {
-    if (!command.songPath.empty ())
-    {
-        const auto slash = command.songPath.find_last_of ('/');
-        name = slash == std::string::npos ? command.songPath : command.songPath.substr (slash + 1);
-        return Score::readSong (command.songPath, command.reading, song, error);
-    }
-    // Through the bytes, so that the example takes the same road as a file.
-    name = "Morning Song (built-in example)";
-    const auto bytes = Score::writeMidi (Songs::morning ());
-    Score::MidiFile file;
-    if (Score::parseMidi (bytes.data (), bytes.size (), file, error)
-        && Score::readMidiSong (file, song, error, command.reading))
-        return true;
-    error = "the built-in example: " + error;
-    return false;
+    std::fprintf (stderr, "%s\n", Workbench::usageHint);
+    return fail (reason, 2);
 }
 
-/** Plain words over the tracks without any, from the command line or a file. */
-bool layLyrics (const Workbench::CommandLine& command, Score::Song& song, std::string& error)
+/** The lyric sheet, from the command line, a file, or standard input. */
+bool readSheet (const Workbench::CommandLine& command, std::string& sheet, std::string& error)
 {
-    std::string lyrics = command.lyrics;
-    if (!command.lyricsFile.empty ())
+    sheet = command.lyrics;
+    if (command.lyricsFile.empty ())
+        return true;
+    std::vector<std::uint8_t> bytes;
+    if (command.lyricsFile == "-")
     {
-        std::vector<std::uint8_t> bytes;
-        if (!Score::readFileBytes (command.lyricsFile, bytes, error))
-            return false;
-        lyrics.assign (bytes.begin (), bytes.end ());
+        char buf[65536];
+        std::size_t n;
+        while ((n = std::fread (buf, 1, sizeof buf, stdin)) > 0)
+            bytes.insert (bytes.end (), buf, buf + n);
     }
-    if (!lyrics.empty ())
-        Score::layLyrics (lyrics, song);
+    else if (!Score::readFileBytes (command.lyricsFile, bytes, error))
+        return false;
+    sheet.assign (bytes.begin (), bytes.end ());
     return true;
 }
 
@@ -67,37 +55,45 @@ int main (int argc, char** argv)
     Workbench::CommandLine command;
     std::string error;
     if (!Workbench::parseCommandLine (argc - 1, argv + 1, command, error))
-        return fail (error + "\n" + Workbench::usage, 2);
+        return usageError (error);
     if (command.help)
     {
-        std::fputs (Workbench::usage, stdout);
+        std::fputs (Workbench::usage ().c_str (), stdout);
         return 0;
     }
+    if (command.version)
+    {
+        std::puts ("workbench " CANTORELA_VERSION);
+        return 0;
+    }
+    if (!command.lyricsTrack.empty () && command.lyrics.empty () && command.lyricsFile.empty ())
+        return usageError ("--lyrics-track names the track for --lyrics or --lyrics-file, and neither is given");
     if (command.run.modulePath.empty () && !Sim::findDefaultModule (command.run.modulePath, error))
         return fail (error);
 
-    Score::Song song;
-    std::string name;
-    if (!readSong (command, song, name, error) || !layLyrics (command, song, error))
+    std::vector<Workbench::SongJob> jobs;
+    int status = 1;
+    if (!Workbench::planJobs (command, jobs, error, status))
+        return status == 2 ? usageError (error) : fail (error);
+    // Before any run: a run takes seconds, a wrong path should not cost them.
+    std::string sheet;
+    if (!Workbench::checkJobs (command, jobs, error) || !readSheet (command, sheet, error))
         return fail (error);
-    for (const auto& w : song.warnings)
-        std::fprintf (stderr, "workbench: note: %s\n", w.c_str ());
 
-    Workbench::Outcome outcome;
-    if (!Workbench::run (song, name, command.run, outcome, error))
-        return fail (error);
-    for (const auto& n : outcome.notices)
-        std::fprintf (stderr, "workbench: note: %s\n", n.c_str ());
-
-    const std::string text = command.asJson ? Workbench::json (name, outcome) : Workbench::table (name, outcome);
-    std::fwrite (text.data (), 1, text.size (), stdout);
-    std::fflush (stdout);
-    if (command.timing)
-        std::fputs (Workbench::timingText (outcome).c_str (), stderr);
-
-    if (!command.rollPath.empty () && !Workbench::writePianoRoll (outcome, name, command.rollPath, error))
-        return fail (error);
-    if (!command.midiPath.empty () && !Workbench::writeSongFile (name, outcome, command.midiPath, error))
-        return fail (error);
-    return 0;
+    std::vector<std::string> failed;
+    for (const auto& job : jobs)
+        if (!Workbench::singSong (job, command, sheet, stderr, error))
+        {
+            fail (error);
+            failed.push_back (job.name);
+        }
+    if (jobs.size () > 1)
+    {
+        std::string names;
+        for (const auto& f : failed)
+            names += (names.empty () ? " (" : ", ") + f;
+        std::fprintf (stderr, "workbench: %zu songs: %zu sung, %zu failed%s\n", jobs.size (), jobs.size () - failed.size (),
+                      failed.size (), failed.empty () ? "" : (names + ")").c_str ());
+    }
+    return failed.empty () ? 0 : 1;
 }

@@ -5,27 +5,37 @@
 #include "workbench/cli/session.h"
 
 #include <string>
+#include <vector>
 
 namespace Workbench {
 
 struct CommandLine
 {
-    Options run;               ///< the module, the idle passes, undo and redo, the window
+    Options run;                     ///< the module, the idle passes, undo and redo, the window
     Score::ReadOptions reading;
-    std::string songPath;      ///< empty: the built-in example
-    std::string rollPath, midiPath;
-    std::string lyrics, lyricsFile;
+    std::vector<std::string> songs;  ///< files, folders, or "-" for standard input; none: the built-in example
+    std::string rollPath, midiPath;  ///< one song's outputs
+    std::string outDir;              ///< each song's outputs in this folder, under its own name
+    bool roll = false, midi = false; ///< with `outDir`: a piano roll, a MIDI file for each song
+    bool plainMidiLyrics = false;    ///< lyric events as other programs write them, not in the host's form
+    std::string lyrics, lyricsFile, lyricsTrack;
+    bool allTracks = false;          ///< sing the tracks without words too, when others have words
     bool asJson = false;
     bool timing = false;
     bool help = false;
+    bool version = false;
 };
 
-/** The usage text that -h prints. */
-extern const char* const usage;
+/** The usage text that --help prints, made from the table of options. */
+std::string usage ();
+
+/** The line that goes before a usage error's reason. */
+extern const char* const usageHint;
 
 /**
  * Reads the arguments (without the program's name) over the defaults in `out`.
  * False with the reason in `error` for a command line that makes no sense.
+ * Every option with a value takes it as the next argument or after "=".
  */
 bool parseCommandLine (int argc, const char* const* argv, CommandLine& out, std::string& error);
 

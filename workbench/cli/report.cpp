@@ -1,6 +1,9 @@
 #include "workbench/cli/report.h"
 
+#include "workbench/cli/song_time.h"
 #include "workbench/sim/note_rows.h"
+
+#include "score/song_position.h"
 
 #include <algorithm>
 #include <cmath>
@@ -94,7 +97,8 @@ std::string pitchName (float cents)
 
 std::string table (const std::string& song, const Outcome& outcome)
 {
-    std::string out;
+    std::string out = outcome.title.empty () ? song + "\n" : song + "  \"" + outcome.title + "\"\n";
+    const bool bars = !outcome.meters.empty ();
     for (const auto& synth : outcome.synthesisers)
     {
         const auto rows = Sim::rowsOf (synth.notes);
@@ -104,25 +108,44 @@ std::string table (const std::string& song, const Outcome& outcome)
         std::size_t width = 5;
         for (const auto& lyric : synth.lyrics)
             width = std::max (width, std::min<std::size_t> (columns (lyric), 24));
-        out += format ("%4s %9s %9s %-6s %7s  %-4s  ", "#", "start", "end", "pitch", "cents", "kind")
+        out += format ("%4s %s%9s %9s  %-6s %4s %6s  %-4s  ", "#", bars ? "bar:beat " : "", "start", "end", "pitch",
+                       "note", "cents", "kind")
                + cell ("lyric", width) + "  phonemes\n";
         for (std::size_t i = 0; i < rows.size (); ++i)
         {
             const auto& r = rows[i];
-            out += format ("%4zu %9.3f %9.3f %-6s %7.0f  %-4s  ", i + 1, r.start, r.end,
-                           pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents), kind (r))
+            std::string place;
+            if (bars)
+                place = cell (Score::barBeat (outcome.meters, beatsAt (outcome.tempi, r.start)), 8) + " ";
+            // A rest has the pitch of the note after it, which no one hears.
+            const std::string pitch = r.rest ? format ("%-6s %4s %6s", "", "", "")
+                                             : format ("%-6s %4ld %6.0f", pitchName (r.pitchCents).c_str (),
+                                                       std::lround (69.0 + r.pitchCents / 100.0),
+                                                       static_cast<double> (r.pitchCents));
+            out += format ("%4zu %s%9.3f %9.3f  %s  %-4s  ", i + 1, place.c_str (), r.start, r.end, pitch.c_str (),
+                           kind (r))
                    + cell (i < synth.lyrics.size () ? synth.lyrics[i] : std::string (), width) + "  " + r.phonemes
                    + "\n";
         }
         out += "\n";
     }
-    (void) song;
     return out;
 }
 
-std::string json (const std::string& song, const Outcome& outcome)
+std::string json (const std::string& song, const Outcome& outcome, const std::vector<Notice>& notices)
 {
-    std::string out = "{\n  \"song\": " + quoted (song) + ",\n  \"synthesisers\": [";
+    const bool bars = !outcome.meters.empty ();
+    std::string out = format ("{\n  \"format\": %d,\n  \"song\": ", jsonFormat) + quoted (song)
+                      + ",\n  \"title\": " + (outcome.title.empty () ? "null" : quoted (outcome.title))
+                      + ",\n  \"tempi\": [";
+    for (std::size_t i = 0; i < outcome.tempi.size (); ++i)
+        out += format ("%s{\"beat\": %.6f, \"seconds\": %.6f, \"bpm\": %.3f}", i ? ", " : "", outcome.tempi[i].beat,
+                       secondsAt (outcome.tempi, outcome.tempi[i].beat), outcome.tempi[i].bpm);
+    out += "],\n  \"meters\": [";
+    for (std::size_t i = 0; i < outcome.meters.size (); ++i)
+        out += format ("%s{\"beat\": %.6f, \"numerator\": %d, \"denominator\": %d}", i ? ", " : "",
+                       outcome.meters[i].beat, outcome.meters[i].numerator, outcome.meters[i].denominator);
+    out += "],\n  \"synthesisers\": [";
     for (std::size_t s = 0; s < outcome.synthesisers.size (); ++s)
     {
         const auto& synth = outcome.synthesisers[s];
@@ -144,16 +167,45 @@ std::string json (const std::string& song, const Outcome& outcome)
                 phonemes += (k ? ", " : "") + quoted (std::string (p, len));
             }
             out += i ? ",\n      " : "\n      ";
-            out += format ("{\"start\": %.6f, \"end\": %.6f, \"pitch\": \"%s\", \"cents\": %.1f, \"rest\": %s, "
-                           "\"continuation\": %s, \"lyric\": ",
-                           r.start, r.end, pitchName (r.pitchCents).c_str (), static_cast<double> (r.pitchCents),
-                           r.rest ? "true" : "false", r.continuation ? "true" : "false")
+            out += format ("{\"start\": %.6f, \"end\": %.6f, ", r.start, r.end);
+            if (bars)
+                out += "\"at\": " + quoted (Score::barBeat (outcome.meters, beatsAt (outcome.tempi, r.start))) + ", ";
+            out += r.rest ? std::string ("\"pitch\": null, \"note\": null, ")
+                          : format ("\"pitch\": \"%s\", \"note\": %ld, ", pitchName (r.pitchCents).c_str (),
+                                    std::lround (69.0 + r.pitchCents / 100.0));
+            out += format ("\"cents\": %.1f, \"rest\": %s, \"continuation\": %s, \"lyric\": ",
+                           static_cast<double> (r.pitchCents), r.rest ? "true" : "false",
+                           r.continuation ? "true" : "false")
                    + (r.rest ? "null" : quoted (i < synth.lyrics.size () ? synth.lyrics[i] : std::string ()))
                    + ", \"phonemes\": [" + phonemes + "]}";
         }
         out += rows.empty () ? "]}" : "\n     ]}";
     }
-    out += outcome.synthesisers.empty () ? "]\n}\n" : "\n  ]\n}\n";
+    out += outcome.synthesisers.empty () ? "],\n  \"notices\": [" : "\n  ],\n  \"notices\": [";
+    for (std::size_t i = 0; i < notices.size (); ++i)
+    {
+        const Notice& n = notices[i];
+        out += (i ? ",\n    {" : "\n    {") + std::string ("\"kind\": \"") + kindName (n.kind) + "\", \"message\": "
+               + quoted (n.message);
+        if (n.kind != Notice::Note)
+        {
+            out += ", \"track\": " + quoted (n.track) + ", \"at\": " + quoted (Score::barBeat (outcome.meters, n.beats))
+                   + format (", \"seconds\": %.6f, \"note\": %d, \"pitch\": \"%s\"", n.seconds, n.pitch,
+                             pitchName (static_cast<float> ((n.pitch - 69) * 100)).c_str ())
+                   + ", \"word\": " + quoted (n.word);
+            if (n.kind == Notice::NotSung || n.kind == Notice::NotTyped)
+            {
+                out += ", \"sounds\": [";
+                for (std::size_t k = 0; k < n.sounds.size (); ++k)
+                    out += (k ? ", " : "") + quoted (n.sounds[k]);
+                out += "]";
+            }
+            else
+                out += ", \"text\": " + quoted (n.text) + ", \"sungAs\": " + quoted (n.sungAs);
+        }
+        out += "}";
+    }
+    out += notices.empty () ? "]\n}\n" : "\n  ]\n}\n";
     return out;
 }
 

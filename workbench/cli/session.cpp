@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -129,6 +130,7 @@ struct SongProject
     std::vector<std::string> trackNames;
     std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;  ///< outlive the project and the agent: both point at them
     std::vector<std::vector<Sim::Note*>> trackNotes;
+    std::vector<std::vector<int>> trackParts;  ///< for each of `trackNotes`, the part it lies in
     std::vector<Typed> typing;  ///< in the order of the song
 };
 
@@ -171,6 +173,7 @@ void buildProject (Sim::ProjectManager& manager, const Score::Song& song, const 
         auto& track = project.root ().addInstrumentTrack (group.name);
         out.trackNames.push_back (group.name);
         out.trackNotes.emplace_back ();
+        out.trackParts.emplace_back ();
         out.synths.push_back (std::make_unique<Sim::SvsPlugin> (group.name));
         track.addSlot ("Slot 1", out.synths.back ()->unknown ());
         for (std::size_t i = 0; i < group.parts.size (); ++i)
@@ -187,6 +190,7 @@ void buildProject (Sim::ProjectManager& manager, const Score::Song& song, const 
             {
                 Sim::Note& note = part.addNote (n.start, n.end, n.pitch);
                 out.trackNotes.back ().push_back (&note);
+                out.trackParts.back ().push_back (static_cast<int> (i));
                 if (!n.lyric.empty ())
                     out.typing.push_back ({&note, n.lyric});
             }
@@ -256,12 +260,20 @@ void showEditor (const Options& options, Sim::AgentDriver& driver, std::vector<s
 void collectReceived (const SongProject& song, std::vector<Received>& out)
 {
     const auto& time = song.project->time ();
+    std::map<const Sim::Note*, const std::string*> typed;
+    for (const auto& t : song.typing)
+        typed[t.note] = &t.lyric;
     for (std::size_t i = 0; i < song.synths.size (); ++i)
     {
         Received r {song.trackNames[i], "Slot 1", song.synths[i]->title (), song.synths[i]->notes (), {}, {}};
-        for (const Sim::Note* note : song.trackNotes[i])
+        for (std::size_t k = 0; k < song.trackNotes[i].size (); ++k)
+        {
+            const Sim::Note* note = song.trackNotes[i][k];
+            const auto t = typed.find (note);
             r.hostNotes.push_back ({note->start (), note->end (), time.secondsToBeats (note->start ()),
-                                    time.secondsToBeats (note->end ()), note->pitch (), note->lyric ()});
+                                    time.secondsToBeats (note->end ()), note->pitch (), note->lyric (),
+                                    t == typed.end () ? std::string () : *t->second, song.trackParts[i][k]});
+        }
         r.lyrics = lyricsOfRecords (r.notes, r.hostNotes);
         out.push_back (std::move (r));
     }
@@ -337,6 +349,8 @@ bool run (const Score::Song& song, const std::string& projectName, const Options
 
     collectReceived (project, out.synthesisers);
     out.tempi = song.tempi.empty () ? std::vector<Score::TempoChange> {{0.0, 120.0}} : song.tempi;
+    out.meters = song.meters;
+    out.title = song.title;
     out.timing.hostCalls = Sim::CallLog::hostCalls ();
 
     // A host's end: the project goes, the agent is terminated, the histories let

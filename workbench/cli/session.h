@@ -43,7 +43,9 @@ struct Timing
 struct Outcome
 {
     std::vector<Received> synthesisers;
+    std::string title;                      ///< as the song's file names it; empty when it doesn't
     std::vector<Score::TempoChange> tempi;  ///< the project's tempo map
+    std::vector<Score::MeterChange> meters; ///< the song's time signatures; empty when it gives none
     Timing timing;
     std::vector<std::string> notices;  ///< things worth saying that are not errors
 };
