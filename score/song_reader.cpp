@@ -55,10 +55,14 @@ Kind kindOf (const std::string& path, const std::vector<std::uint8_t>& data)
 bool readSong (const std::string& path, const ReadOptions& options, Song& out, std::string& error)
 {
     std::vector<std::uint8_t> data;
-    if (!readFileBytes (path, data, error))
-        return false;
+    return readFileBytes (path, data, error) && readSongBytes (path, data, options, out, error);
+}
+
+bool readSongBytes (const std::string& name, const std::vector<std::uint8_t>& data, const ReadOptions& options,
+                    Song& out, std::string& error)
+{
     bool ok = false;
-    switch (kindOf (path, data))
+    switch (kindOf (name, data))
     {
     case Kind::Midi:
     {
@@ -77,7 +81,7 @@ bool readSong (const std::string& path, const ReadOptions& options, Song& out, s
         break;
     }
     if (!ok)
-        error = path + ": " + error;
+        error = name + ": " + error;
     return ok;
 }
 
