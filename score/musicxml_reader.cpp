@@ -360,9 +360,15 @@ SongTrack track (const std::string& name, const std::vector<ScoreNote>& line, bo
 bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions& options, Song& out,
                    std::string& error)
 {
+    return readMusicXml (std::vector<std::uint8_t> (data, data + size), options, out, error);
+}
+
+bool readMusicXml (std::vector<std::uint8_t>&& data, const ReadOptions& options, Song& out, std::string& error)
+{
     out = Song {};
+    std::vector<std::uint8_t> bytes = std::move (data);  // the tree points into them
     pugi::xml_document document;
-    if (!parseXml (data, size, document, error))
+    if (!parseXmlInPlace (bytes, document, error))
         return false;
     const XmlElement root = document.document_element ();
     const bool timewise = is (root, "score-timewise");

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Score {
 
@@ -24,5 +25,8 @@ constexpr std::size_t longestScoreText = 4096;   ///< bytes of a lyric, a title,
  */
 bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions& options, Song& out,
                    std::string& error);
+
+/** The same, parsed where the bytes lie instead of in a copy; they are used up. */
+bool readMusicXml (std::vector<std::uint8_t>&& data, const ReadOptions& options, Song& out, std::string& error);
 
 } // namespace Score

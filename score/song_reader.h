@@ -17,7 +17,7 @@ namespace Score {
 bool readSong (const std::string& path, const ReadOptions& options, Song& out, std::string& error);
 
 /** The same for bytes already in memory; `name` stands for the path, in messages and when the content tells nothing. */
-bool readSongBytes (const std::string& name, const std::vector<std::uint8_t>& data, const ReadOptions& options,
-                    Song& out, std::string& error);
+bool readSongBytes (const std::string& name, std::vector<std::uint8_t> data, const ReadOptions& options, Song& out,
+                    std::string& error);
 
 } // namespace Score

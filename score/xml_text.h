@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Score {
 
@@ -20,10 +21,13 @@ constexpr int deepestXml = 256;  ///< levels of elements; a score needs about te
  */
 bool parseXml (const std::uint8_t* data, std::size_t size, pugi::xml_document& document, std::string& error);
 
+/** The same, parsed where the bytes lie: the document points into them, so they must outlive it, changed. */
+bool parseXmlInPlace (std::vector<std::uint8_t>& data, pugi::xml_document& document, std::string& error);
+
 /** A text from a file for a message: its first 60 bytes or so, cut between characters, "..." after. */
 std::string shortened (const std::string& text);
 
-/** The text right inside an element (CDATA too, nested elements not), blanks trimmed. */
+/** The text right inside an element parsed by the above (CDATA too, nested elements not), blanks trimmed. */
 std::string textOf (const pugi::xml_node& element);
 
 } // namespace Score
