@@ -434,7 +434,7 @@ bool readMusicXml (std::vector<std::uint8_t>&& data, const ReadOptions& options,
             verseWords = verseWords || n.hasText;
         }
         const auto named = names.find (id);
-        std::string name = named != names.end () && !named->second.empty () ? named->second : id;
+        std::string name = named != names.end () && !named->second.empty () ? named->second : toUtf8 (id);
         if (name.empty ())
             name = "Part " + std::to_string (tracks.size () + 1);
         if (trackNames.count (name))
