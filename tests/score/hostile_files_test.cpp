@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -175,10 +175,11 @@ TEST (HostileFiles, ReadingTimeGrowsWithTheFileNotFaster)
     }
     const Bytes file = mxl ({"s/l.musicxml", "<score-partwise><part-list>" + list + "</part-list>" + parts
                                                  + "</score-partwise>", false});
-    const auto started = std::chrono::steady_clock::now ();
+    // Processor time, which other programs on the machine don't stretch.
+    const std::clock_t started = std::clock ();
     EXPECT_EQ (outcome ("parts.mxl", file), "read");
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now () - started;
-    EXPECT_LT (took.count (), 5.0) << file.size () << " bytes";
+    const double took = double (std::clock () - started) / CLOCKS_PER_SEC;
+    EXPECT_LT (took, 6.0) << file.size () << " bytes";  // 1 s here, 3 under the sanitizers; was 12
 }
 
 TEST (HostileFiles, EveryInputThatOnceFailedIsReadOrRefused)
