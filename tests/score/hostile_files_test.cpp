@@ -88,12 +88,11 @@ const std::string oneNote = "<score-partwise><part id=\"P1\"><measure><note><pit
 
 Bytes mxl (const Entry& score) { return zip ({{"META-INF/container.xml", container}, score}); }
 
-std::string nested (int levels, const std::string& open, const std::string& inner = "")
+std::string nested (int levels, const std::string& open)
 {
     std::string xml = "<score-partwise>";
     for (int i = 0; i < levels; ++i)
         xml += open;
-    xml += inner;
     for (int i = 0; i < levels; ++i)
         xml += "</a>";
     return xml + "</score-partwise>";
@@ -109,7 +108,7 @@ std::string outcome (const std::string& name, const Bytes& data)
 
 TEST (HostileFiles, KnownFaultsAreRefusedWithTheirReason)
 {
-    const std::string deep = nested (5000, "<a b=\"/>\" c='/>'>");  // a count of "/>" took these for empty elements
+    const std::string deep = nested (100000, "<a b=\"/>\" c='/>'>");  // a count of "/>" took these for empty elements
     Bytes cut = mxl ({"s/l.musicxml", oneNote});
     cut.resize (cut.size () - 30);
     const struct
@@ -179,7 +178,7 @@ TEST (HostileFiles, ReadingTimeGrowsWithTheFileNotFaster)
     const std::clock_t started = std::clock ();
     EXPECT_EQ (outcome ("parts.mxl", file), "read");
     const double took = double (std::clock () - started) / CLOCKS_PER_SEC;
-    EXPECT_LT (took, 6.0) << file.size () << " bytes";  // 1 s here, 3 under the sanitizers; was 12
+    EXPECT_LT (took, 6.0) << file.size () << " bytes";  // 1 s here, 3 under the sanitizers; 21 s before
 }
 
 TEST (HostileFiles, EveryInputThatOnceFailedIsReadOrRefused)
