@@ -29,6 +29,8 @@ if(CANTORELA_JUCE_CONFIG_DIRS)
   list(GET CANTORELA_JUCE_CONFIG_DIRS 0 JUCE_DIR)
   set(JUCE_DIR ${JUCE_DIR} CACHE PATH "")
 endif()
+# pugixml's package files, from our own build of it, before the build machine's.
+set(pugixml_DIR ${CANTORELA_WINDOWS_PREFIX}/lib/cmake/pugixml CACHE PATH "")
 set(ENV{PKG_CONFIG_LIBDIR} ${CANTORELA_WINDOWS_PREFIX}/lib/pkgconfig)
 set(ENV{PKG_CONFIG_PATH} "")
 

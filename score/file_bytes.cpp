@@ -1,26 +1,38 @@
 #include "score/file_bytes.h"
 
+#include <filesystem>
 #include <fstream>
 
 namespace Score {
 
 bool readFileBytes (const std::string& path, std::vector<std::uint8_t>& data, std::string& error)
 {
-    std::ifstream in (path, std::ios::binary);
-    if (!in)
+    std::error_code ignored;
+    std::ifstream in (path, std::ios::binary | std::ios::ate);
+    if (!in || std::filesystem::is_directory (path, ignored))
     {
         error = "cannot open " + path;
         return false;
     }
-    constexpr std::size_t limit = 64u << 20;
+    const std::string tooLarge = path + " is larger than 64 MiB";
     data.clear ();
+    // A file that says its size is refused before a byte is read; the loop below holds the rest to the limit.
+    const auto size = static_cast<long long> (in.tellg ());
+    if (size > static_cast<long long> (largestFile))
+    {
+        error = tooLarge;
+        return false;
+    }
+    if (size > 0)
+        data.reserve (static_cast<std::size_t> (size));
+    in.seekg (0);
     char buf[65536];
     while (in.read (buf, sizeof buf) || in.gcount () > 0)
     {
         data.insert (data.end (), buf, buf + in.gcount ());
-        if (data.size () > limit)
+        if (data.size () > largestFile)
         {
-            error = path + " is larger than 64 MiB";
+            error = tooLarge;
             return false;
         }
     }

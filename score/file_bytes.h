@@ -7,7 +7,9 @@
 
 namespace Score {
 
-/** Reads a whole file (at most 64 MiB). On failure returns false and says why in `error`. */
+constexpr std::size_t largestFile = 64u << 20;  ///< bytes of a song file, or of a score inside a zip
+
+/** Reads a whole file (at most `largestFile` bytes). On failure returns false and says why in `error`. */
 bool readFileBytes (const std::string& path, std::vector<std::uint8_t>& data, std::string& error);
 
 } // namespace Score

@@ -5,14 +5,18 @@
 #include "score/xml_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstring>
 #include <map>
+#include <set>
+#include <unordered_map>
 
 namespace Score {
 
 namespace {
 
-using juce::XmlElement;
+using XmlElement = pugi::xml_node;
 
 constexpr double same = 1e-6;  // quarter notes: far below any written duration
 constexpr double ticksPerQuarter = 960.0;
@@ -33,32 +37,49 @@ struct ScoreNote
     bool held = false;    // an extension line without a syllable
 };
 
-std::string textOf (const XmlElement& e) { return trimBlanks (e.getAllSubText ().toStdString ()); }
+bool is (const XmlElement& e, const char* tag) { return std::strcmp (e.name (), tag) == 0; }
+
+/** A number as written ("4", "-1", "0.5", "3.5" for an int reads 3); `fallback` for anything else. */
+template <typename T>
+T numberIn (const std::string& written, T fallback)
+{
+    const std::string t = trimBlanks (written);
+    const char* begin = t.c_str () + (t.size () > 1 && t[0] == '+');
+    T v = fallback;
+    if (std::from_chars (begin, t.c_str () + t.size (), v).ec != std::errc ())
+        return fallback;
+    if constexpr (std::is_floating_point_v<T>)
+        return std::isfinite (v) ? v : fallback;
+    return v;
+}
 
 double number (const XmlElement& parent, const char* child, double fallback)
 {
-    const XmlElement* c = parent.getChildByName (child);
-    const std::string t = c ? textOf (*c) : std::string ();
-    const double v = t.empty () ? fallback : juce::String (t).getDoubleValue ();
-    return std::isfinite (v) ? v : fallback;
+    return numberIn (textOf (parent.child (child)), fallback);
+}
+
+/** The text of a child element, or `fallback` when there is none. */
+std::string childText (const XmlElement& parent, const char* child, const char* fallback = "")
+{
+    const XmlElement c = parent.child (child);
+    return c ? textOf (c) : std::string (fallback);
 }
 
 int pitchOf (const XmlElement& note)
 {
-    const XmlElement* p = note.getChildByName ("pitch");
+    XmlElement p = note.child ("pitch");
     const char* stepTag = "step";
     const char* octaveTag = "octave";
-    if (!p && (p = note.getChildByName ("unpitched")))
+    if (!p && (p = note.child ("unpitched")))
     {
         stepTag = "display-step";
         octaveTag = "display-octave";
     }
-    const XmlElement* step = p ? p->getChildByName (stepTag) : nullptr;
-    const std::string name = step ? textOf (*step) : std::string ();
+    const std::string name = textOf (p.child (stepTag));
     if (name.size () != 1 || name[0] < 'A' || name[0] > 'G')
         return -1;
     static const int fromA[] = {9, 11, 0, 2, 4, 5, 7};
-    const double midi = (number (*p, octaveTag, 4.0) + 1.0) * 12.0 + fromA[name[0] - 'A'] + number (*p, "alter", 0.0);
+    const double midi = (number (p, octaveTag, 4.0) + 1.0) * 12.0 + fromA[name[0] - 'A'] + number (p, "alter", 0.0);
     return static_cast<int> (std::lround (std::clamp (midi, 0.0, 127.0)));
 }
 
@@ -90,34 +111,34 @@ void takeParts (const std::vector<LyricPart>& parts, ScoreNote& n)
 
 void readWords (const XmlElement& note, const std::string& verse, ScoreNote& n)
 {
-    for (auto* lyric : note.getChildWithTagNameIterator ("lyric"))
+    for (const XmlElement& lyric : note.children ("lyric"))
     {
         std::vector<LyricPart> parts;
         std::string syllabic;
         bool elision = false;
-        for (auto* c : lyric->getChildIterator ())
+        for (const XmlElement& c : lyric.children ())
         {
-            if (c->hasTagName ("syllabic"))
-                syllabic = textOf (*c);
-            else if (c->hasTagName ("elision"))
+            if (is (c, "syllabic"))
+                syllabic = textOf (c);
+            else if (is (c, "elision"))
                 elision = true;
-            else if (c->hasTagName ("text") && !textOf (*c).empty ())
+            else if (is (c, "text") && !textOf (c).empty ())
             {
-                parts.push_back ({syllabic, textOf (*c), elision});
+                parts.push_back ({syllabic, textOf (c), elision});
                 syllabic.clear ();
                 elision = false;
             }
         }
-        const XmlElement* extend = lyric->getChildByName ("extend");
+        const XmlElement extend = lyric.child ("extend");
         n.anyWords = n.anyWords || !parts.empty ();
-        if (lyric->getStringAttribute ("number", "1").trim ().toStdString () != verse)
+        if (trimBlanks (lyric.attribute ("number").as_string ("1")) != verse)
             continue;
         if (parts.empty ())
             n.held = n.held || extend;
         else if (!n.hasText)
         {
             takeParts (parts, n);
-            n.extend = extend && extend->getStringAttribute ("type") != "stop";
+            n.extend = extend && std::strcmp (extend.attribute ("type").value (), "stop") != 0;
         }
     }
 }
@@ -125,49 +146,52 @@ void readWords (const XmlElement& note, const std::string& verse, ScoreNote& n)
 void readTies (const XmlElement& note, ScoreNote& n)
 {
     auto take = [&] (const XmlElement& parent, const char* tag) {
-        for (auto* t : parent.getChildWithTagNameIterator (tag))
+        for (const XmlElement& t : parent.children (tag))
         {
-            n.tieStart = n.tieStart || t->getStringAttribute ("type") == "start";
-            n.tieStop = n.tieStop || t->getStringAttribute ("type") == "stop";
+            n.tieStart = n.tieStart || std::strcmp (t.attribute ("type").value (), "start") == 0;
+            n.tieStop = n.tieStop || std::strcmp (t.attribute ("type").value (), "stop") == 0;
         }
     };
     take (note, "tie");
-    if (const XmlElement* notations = note.getChildByName ("notations"))
-        take (*notations, "tied");
+    take (note.child ("notations"), "tied");
 }
 
 /** Walks a part's measures (or, timewise, its share of each measure) in time. */
 class PartReader
 {
 public:
-    PartReader (const std::string& verse, std::map<double, double>& tempi, std::map<double, MeterChange>& meters)
-        : verse_ (verse), tempi_ (tempi), meters_ (meters)
+    PartReader (const std::string& id, const std::string& verse, std::map<double, double>& tempi,
+                std::map<double, MeterChange>& meters, std::size_t& notesRead)
+        : id_ (id), verse_ (verse), tempi_ (tempi), meters_ (meters), notesRead_ (notesRead)
     {
     }
 
-    void measure (const XmlElement& m)
+    /** False, and why in `fault`, once the score passes a limit. */
+    bool measure (const XmlElement& m)
     {
         pos_ = start_ = end_;
-        for (auto* e : m.getChildIterator ())
+        for (const XmlElement& e : m.children ())
         {
-            if (e->hasTagName ("attributes"))
-                attributes (*e);
-            else if (e->hasTagName ("backup"))
-                pos_ = std::max (start_, pos_ - length (*e));
-            else if (e->hasTagName ("forward"))
-                pos_ += length (*e);
-            else if (e->hasTagName ("sound"))
-                tempo (*e);
-            else if (e->hasTagName ("direction"))
-                for (auto* s : e->getChildWithTagNameIterator ("sound"))
-                    tempo (*s);
-            else if (e->hasTagName ("note") && !e->getChildByName ("grace"))
-                note (*e);
+            if (is (e, "attributes"))
+                attributes (e);
+            else if (is (e, "backup"))
+                pos_ = std::max (start_, pos_ - length (e));
+            else if (is (e, "forward"))
+                pos_ += length (e);
+            else if (is (e, "sound"))
+                tempo (e);
+            else if (is (e, "direction"))
+                for (const XmlElement& s : e.children ("sound"))
+                    tempo (s);
+            else if (is (e, "note") && !e.child ("grace") && !note (e, m))
+                return false;
             end_ = std::max (end_, pos_);
         }
+        return true;
     }
 
     std::vector<ScoreNote> notes;
+    std::string fault;
 
 private:
     double length (const XmlElement& e) const
@@ -179,13 +203,17 @@ private:
     {
         if (number (e, "divisions", 0.0) > 0.0)
             divisions_ = number (e, "divisions", 0.0);
-        if (const XmlElement* time = e.getChildByName ("time"))
+        if (const XmlElement time = e.child ("time"))
         {
             // "3+2" beats are a bar of five; a beat type is a power of two.
             int beats = 0;
-            for (const auto& part : juce::StringArray::fromTokens (time->getChildElementAllSubText ("beats", {}), "+", {}))
-                beats += std::clamp (part.trim ().getIntValue (), 0, 1000);
-            const int type = time->getChildElementAllSubText ("beat-type", {}).trim ().getIntValue ();
+            const std::string written = childText (time, "beats");
+            for (std::size_t a = 0, b = 0; a <= written.size (); a = b + 1)
+            {
+                b = std::min (written.find ('+', a), written.size ());
+                beats += std::clamp (numberIn (written.substr (a, b - a), 0), 0, 1000);
+            }
+            const int type = numberIn (childText (time, "beat-type"), 0);
             if (beats > 0 && type > 0 && type <= 64 && (type & (type - 1)) == 0)
                 meters_.emplace (pos_, MeterChange {pos_, beats, type});  // the first part to set one at a beat wins
         }
@@ -193,15 +221,20 @@ private:
 
     void tempo (const XmlElement& sound)
     {
-        const double bpm = sound.getDoubleAttribute ("tempo", 0.0);
-        if (std::isfinite (bpm) && bpm > 0.0)
+        const double bpm = numberIn (sound.attribute ("tempo").value (), 0.0);
+        if (bpm > 0.0)
             tempi_.emplace (pos_, std::clamp (bpm, 1.0, 1000.0));  // the first part to set one at a beat wins
     }
 
-    void note (const XmlElement& e)
+    bool note (const XmlElement& e, const XmlElement& measure)
     {
+        if (++notesRead_ > mostScoreNotes)
+        {
+            fault = "a score of more than " + std::to_string (mostScoreNotes) + " notes";
+            return false;
+        }
         ScoreNote n;
-        n.chord = e.getChildByName ("chord") != nullptr;
+        n.chord = e.child ("chord");
         n.start = n.chord ? lastStart_ : pos_;
         n.end = n.start + length (e);
         if (!n.chord)
@@ -209,17 +242,26 @@ private:
             lastStart_ = pos_;
             pos_ = n.end;
         }
-        n.voice = e.getChildElementAllSubText ("voice", "1").trim ().toStdString ();
-        if (!e.getChildByName ("rest") && !e.getChildByName ("cue"))
+        n.voice = childText (e, "voice", "1");
+        if (!e.child ("rest") && !e.child ("cue"))
             n.pitch = pitchOf (e);
         readTies (e, n);
         readWords (e, verse_, n);
-        notes.push_back (n);
+        if (n.text.size () > longestScoreText)
+        {
+            fault = "a lyric of " + std::to_string (n.text.size ()) + " bytes in measure "
+                    + shortened (measure.attribute ("number").value ()) + " of part \"" + shortened (id_)
+                    + "\" (at most " + std::to_string (longestScoreText) + ")";
+            return false;
+        }
+        notes.push_back (std::move (n));
+        return true;
     }
 
-    std::string verse_;
+    std::string id_, verse_;
     std::map<double, double>& tempi_;
     std::map<double, MeterChange>& meters_;
+    std::size_t& notesRead_;
     double divisions_ = 1.0, pos_ = 0.0, start_ = 0.0, end_ = 0.0, lastStart_ = 0.0;
 };
 
@@ -349,65 +391,91 @@ SongTrack track (const std::string& name, const std::vector<ScoreNote>& line, bo
 bool readMusicXml (const std::uint8_t* data, std::size_t size, const ReadOptions& options, Song& out,
                    std::string& error)
 {
+    return readMusicXml (std::vector<std::uint8_t> (data, data + size), options, out, error);
+}
+
+bool readMusicXml (std::vector<std::uint8_t>&& data, const ReadOptions& options, Song& out, std::string& error)
+{
     out = Song {};
-    const std::unique_ptr<XmlElement> root = parseXml (data, size, error);
-    if (!root)
+    std::vector<std::uint8_t> bytes = std::move (data);  // the tree points into them
+    pugi::xml_document document;
+    if (!parseXmlInPlace (bytes, document, error))
         return false;
-    const bool timewise = root->hasTagName ("score-timewise");
-    if (!timewise && !root->hasTagName ("score-partwise"))
+    const XmlElement root = document.document_element ();
+    const bool timewise = is (root, "score-timewise");
+    if (!timewise && !is (root, "score-partwise"))
     {
-        error = "XML, but not a MusicXML score (its root element is <" + root->getTagName ().toStdString () + ">)";
+        error = "XML, but not a MusicXML score (its root element is <" + shortened (root.name ()) + ">)";
         return false;
     }
+    auto tooLong = [&] (const char* what, const std::string& text) {
+        if (text.size () <= longestScoreText)
+            return false;
+        error = std::string ("a ") + what + " of " + std::to_string (text.size ()) + " bytes (at most "
+                + std::to_string (longestScoreText) + ")";
+        return true;
+    };
 
-    if (const XmlElement* work = root->getChildByName ("work"))
-        out.title = toUtf8 (trimBlanks (work->getChildElementAllSubText ("work-title", {}).toStdString ()));
+    out.title = toUtf8 (childText (root.child ("work"), "work-title"));
     if (out.title.empty ())
-        out.title = toUtf8 (trimBlanks (root->getChildElementAllSubText ("movement-title", {}).toStdString ()));
+        out.title = toUtf8 (childText (root, "movement-title"));
+    if (tooLong ("title", out.title))
+        return false;
 
-    std::map<std::string, std::string> names;
-    if (const XmlElement* list = root->getChildByName ("part-list"))
-        for (auto* part : list->getChildWithTagNameIterator ("score-part"))
-            if (const XmlElement* name = part->getChildByName ("part-name"))
-                names[part->getStringAttribute ("id").toStdString ()] = toUtf8 (textOf (*name));
+    std::unordered_map<std::string, std::string> names;
+    for (const XmlElement& part : root.child ("part-list").children ("score-part"))
+        if (const XmlElement name = part.child ("part-name"))
+            if (tooLong ("part name", names[part.attribute ("id").value ()] = toUtf8 (textOf (name))))
+                return false;
 
     // Each part's measures in order: partwise they are its children, timewise its share of each measure.
-    std::vector<std::pair<std::string, std::vector<const XmlElement*>>> parts;
-    auto partNamed = [&] (const std::string& id) -> std::vector<const XmlElement*>& {
-        for (auto& p : parts)
-            if (p.first == id)
-                return p.second;
-        parts.push_back ({id, {}});
-        return parts.back ().second;
+    std::vector<std::pair<std::string, std::vector<XmlElement>>> parts;
+    std::unordered_map<std::string, std::size_t> partIndex;  // a score may have parts by the thousand
+    auto partNamed = [&] (const std::string& id) -> std::vector<XmlElement>& {
+        const auto [at, added] = partIndex.emplace (id, parts.size ());
+        if (added)
+            parts.push_back ({id, {}});
+        return parts[at->second].second;
     };
-    for (auto* outer : root->getChildWithTagNameIterator (timewise ? "measure" : "part"))
-        for (auto* inner : outer->getChildWithTagNameIterator (timewise ? "part" : "measure"))
-            partNamed ((timewise ? inner : outer)->getStringAttribute ("id").toStdString ()).push_back (inner);
+    for (const XmlElement& outer : root.children (timewise ? "measure" : "part"))
+        for (const XmlElement& inner : outer.children (timewise ? "part" : "measure"))
+            partNamed ((timewise ? inner : outer).attribute ("id").value ()).push_back (inner);
 
     const std::string verse = std::to_string (options.verse);
     std::map<double, double> marks;
     std::map<double, MeterChange> meters;
     bool anyWords = false, verseWords = false;
     std::vector<SongTrack> tracks;
+    std::set<std::string> trackNames;
+    std::size_t notesRead = 0;
     for (const auto& [id, measures] : parts)
     {
-        PartReader reader (verse, marks, meters);
-        for (const XmlElement* m : measures)
-            reader.measure (*m);
+        if (tooLong ("part id", id))
+            return false;
+        PartReader reader (id, verse, marks, meters, notesRead);
+        for (const XmlElement& m : measures)
+            if (!reader.measure (m))
+            {
+                error = reader.fault;
+                return false;
+            }
         for (const auto& n : reader.notes)
         {
             anyWords = anyWords || n.anyWords;
             verseWords = verseWords || n.hasText;
         }
-        std::string name = names.count (id) && !names[id].empty () ? names[id] : id;
+        const auto named = names.find (id);
+        std::string name = named != names.end () && !named->second.empty () ? named->second : toUtf8 (id);
         if (name.empty ())
             name = "Part " + std::to_string (tracks.size () + 1);
-        for (const auto& t : tracks)
-            if (t.name == name)
-                name += " (" + std::to_string (tracks.size () + 1) + ")";  // parts are instruments of their own
+        if (trackNames.count (name))
+            name += " (" + std::to_string (tracks.size () + 1) + ")";  // parts are instruments of their own
         SongTrack t = track (name, sungLine (reader.notes), options.rawLyrics);
         if (!t.notes.empty ())
+        {
+            trackNames.insert (t.name);
             tracks.push_back (std::move (t));
+        }
     }
     if (tracks.empty ())
     {

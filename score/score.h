@@ -4,9 +4,11 @@
 // carries its times, its pitch and the `Syllable` the file gives it: a word of
 // one syllable, the first, a middle or the last syllable of a longer word, a
 // note that holds the syllable before it (a melisma), a text to type exactly as
-// written, or nothing. `readSong` picks the reader by the file's content:
-// Standard MIDI Files with their lyric or karaoke texts (`readMidiSong`),
-// MusicXML (`readMusicXml`) and compressed MusicXML (`unpackMxl`).
+// written, or nothing. `readSong` (`readSongBytes` for bytes in memory) picks
+// the reader by the file's content: Standard MIDI Files with their lyric or
+// karaoke texts (`readMidiSong`), MusicXML (`readMusicXml`, parsed with
+// pugixml) and compressed MusicXML (`unpackMxl`, a zip read by `ZipArchive`),
+// each within limits a file from anywhere cannot stretch.
 //
 // The typing rule (`typedWords`) then makes of those syllables what a singer
 // types in the host: each word whole on the note of its first syllable, with a

@@ -55,10 +55,14 @@ Kind kindOf (const std::string& path, const std::vector<std::uint8_t>& data)
 bool readSong (const std::string& path, const ReadOptions& options, Song& out, std::string& error)
 {
     std::vector<std::uint8_t> data;
-    if (!readFileBytes (path, data, error))
-        return false;
+    return readFileBytes (path, data, error) && readSongBytes (path, std::move (data), options, out, error);
+}
+
+bool readSongBytes (const std::string& name, std::vector<std::uint8_t> data, const ReadOptions& options, Song& out,
+                    std::string& error)
+{
     bool ok = false;
-    switch (kindOf (path, data))
+    switch (kindOf (name, data))
     {
     case Kind::Midi:
     {
@@ -69,15 +73,17 @@ bool readSong (const std::string& path, const ReadOptions& options, Song& out, s
     case Kind::Zip:
     {
         std::vector<std::uint8_t> score;
-        ok = unpackMxl (data, score, error) && readMusicXml (score.data (), score.size (), options, out, error);
+        ok = unpackMxl (data, score, error);
+        std::vector<std::uint8_t> ().swap (data);  // the zip is done with; the score is parsed in its place
+        ok = ok && readMusicXml (std::move (score), options, out, error);
         break;
     }
     case Kind::Xml:
-        ok = readMusicXml (data.data (), data.size (), options, out, error);
+        ok = readMusicXml (std::move (data), options, out, error);
         break;
     }
     if (!ok)
-        error = path + ": " + error;
+        error = name + ": " + error;
     return ok;
 }
 

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   cmake g++ make pkg-config dpkg-dev
-  juce-modules-source libutfcpp-dev libre2-dev
+  juce-modules-source libutfcpp-dev libre2-dev libpugixml-dev
   libfreetype-dev libpng-dev libjpeg-dev zlib1g-dev
   libx11-dev libxext-dev libxrandr-dev libxinerama-dev libxcursor-dev libxcomposite-dev libfontconfig1-dev
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The second CI stage: the whole suite under AddressSanitizer and UndefinedBehaviorSanitizer
 # (the module built with them and loaded by the test host), the two-thread test under
-# ThreadSanitizer, and both fuzz targets for a bounded time. Each sanitizer has its own tree.
-#   CANTORELA_FUZZ_SECONDS   time per fuzz target (default 90; lyric2phoneme's line reader gets 60)
+# ThreadSanitizer, and the fuzz targets for a bounded time each. Each sanitizer has its own tree.
+#   CANTORELA_FUZZ_SECONDS   time per fuzz target (default 90; those that add little beside
+#                            another, and the three score readers, get two thirds of it)
 #   CANTORELA_STRESS_SECONDS length of the two-thread test (default 5)
 #   CANTORELA_HARDENING      stages to run, any of "asan tsan fuzz" (default all)
 set -euo pipefail
@@ -67,20 +68,29 @@ if [[ " $stages " == *" fuzz "* ]]; then
   CC=clang-14 CXX=clang++-14 cmake -S "$root" -B "$root/build-fuzz" "${common[@]}" -DCMAKE_CXX_FLAGS= \
     "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O1 -gline-tables-only -DNDEBUG" \
     "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O1 -gline-tables-only -DNDEBUG" \
-    -DCANTORELA_SANITIZE=address,undefined,fuzzer-no-link -DCANTORELA_PHONEME_FUZZ=ON -DCANTORELA_HOST_TEXT_FUZZ=ON
-  cmake --build "$root/build-fuzz" -j "$jobs" --target lyric_fuzz host_text_fuzz lyric_line_fuzz
+    -DCANTORELA_SANITIZE=address,undefined,fuzzer-no-link -DCANTORELA_PHONEME_FUZZ=ON -DCANTORELA_HOST_TEXT_FUZZ=ON \
+    -DCANTORELA_SCORE_FUZZ=ON
+  cmake --build "$root/build-fuzz" -j "$jobs" --target lyric_fuzz host_text_fuzz lyric_line_fuzz song_fuzz musicxml_fuzz mxl_fuzz
   done_stage "fuzz build"
-  # lyric_line_fuzz adds little beside lyric_fuzz (the bracket form around the same converter): a minute.
-  for target in phoneme/lyric_fuzz hardening/host_text_fuzz phoneme/lyric_line_fuzz; do
+  # target, longest input, share of the time in percent, seed folders: the score readers start
+  # from our songs, the seed scores and every input that once broke a reader. lyric_line_fuzz
+  # adds little beside lyric_fuzz (the bracket form around the same converter); the three
+  # readers share their parts.
+  score_seeds="$root/songs $root/tests/score/seeds $root/tests/score/regressions"
+  for line in "phoneme/lyric_fuzz 4096 100" "hardening/host_text_fuzz 4096 100" "phoneme/lyric_line_fuzz 4096 67" \
+              "score/song_fuzz 16384 67 $score_seeds" "score/musicxml_fuzz 16384 67 $score_seeds" \
+              "score/mxl_fuzz 16384 67 $score_seeds"; do
+    read -r target max_len share seeds <<< "$line"
     name="$(basename "$target")"
-    seconds="$fuzz_seconds"
-    [ "$name" = lyric_line_fuzz ] && seconds="$(( fuzz_seconds < 60 ? fuzz_seconds : 60 ))"
+    seconds="$(( fuzz_seconds * share / 100 ))"
     corpus="$root/build-fuzz/corpus/$name"
     mkdir -p "$corpus"
     stage "libFuzzer: $name for $seconds s"
     # Crash inputs land in build-fuzz/ as crash-*, to be replayed with: build-fuzz/tests/$target FILE
-    (cd "$root/build-fuzz" && "$root/build-fuzz/tests/$target" "$corpus" \
-      -max_total_time="$seconds" -max_len=4096 -timeout=60 -rss_limit_mb=4096 \
+    # (a score reader's go to tests/score/regressions/, which the ordinary suite reads again).
+    # shellcheck disable=SC2086 # the seed folders are words
+    (cd "$root/build-fuzz" && "$root/build-fuzz/tests/$target" "$corpus" $seeds \
+      -max_total_time="$seconds" -max_len="$max_len" -timeout=60 -rss_limit_mb=4096 \
       -print_final_stats=1)
     done_stage "$name"
   done

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the libraries that the Windows module needs and Debian has no mingw build of
-# (libpng, libjpeg-turbo, RE2) from Debian's own source packages, as static libraries
+# (libpng, libjpeg-turbo, RE2, pugixml) from Debian's own source packages, as static libraries
 # in <build-win>/deps/prefix. Sources come through a private apt configuration under
 # <build-win>/deps/apt, so the machine's own sources stay as they are. Each library is
 # built once: a second run finds its stamp and skips it.
@@ -120,6 +120,17 @@ if ! built re2; then
     "Version: ${dir##*re2-}" 'Cflags: -I${prefix}/include' 'Libs: -L${prefix}/lib -lre2' \
     > "$prefix/lib/pkgconfig/re2.pc"
   mark_built re2
+fi
+
+# --- pugixml (the score reader's XML parser) ---------------------------------------------
+if ! built pugixml; then
+  dir="$(fetch_source pugixml)"
+  logged "$dir/build-win.log" cmake -S "$dir" -B "$dir/build-win" "${cross_cmake[@]}" -DBUILD_SHARED_LIBS=OFF \
+         -DPUGIXML_BUILD_TESTS=OFF -DCMAKE_INSTALL_PREFIX="$prefix"
+  logged "$dir/build-win.log" cmake --build "$dir/build-win" -j "$jobs"
+  # Its package files come along, so the build finds it as on Linux (find_package).
+  logged "$dir/build-win.log" cmake --install "$dir/build-win"
+  mark_built pugixml
 fi
 
 echo "Windows libraries ready in $prefix"
