@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <unistd.h>
@@ -42,6 +44,33 @@ struct Resampler
     soxr_t handle = nullptr;
 };
 
+/** The song through the resampler into `file`, padded with silence or cut to `frames`. */
+void writeFrames (SNDFILE* file, const std::vector<float>& sound, float gain, int from, int to, std::size_t frames)
+{
+    // In blocks, so that a long song is never held whole at the output rate.
+    const std::size_t block = 65536;
+    std::vector<float> in (block), out (block * static_cast<std::size_t> (to / from + 2));
+    Resampler resampler (from, to);
+    for (std::size_t at = 0, written = 0; written < frames;)
+    {
+        const std::size_t count = std::min (block, sound.size () - std::min (at, sound.size ()));
+        std::transform (sound.begin () + static_cast<long> (at), sound.begin () + static_cast<long> (at + count),
+                        in.begin (), [gain] (float s) { return s * gain; });
+        std::size_t made = resampler.process (count ? in.data () : nullptr, count, out.data (), out.size ());
+        at += count;
+        if (count == 0 && made == 0)
+        {
+            // The resampler is drained: the rest of the song is silence.
+            std::fill (out.begin (), out.end (), 0.0f);
+            made = out.size ();
+        }
+        made = std::min (made, frames - written);
+        if (sf_writef_float (file, out.data (), static_cast<sf_count_t> (made)) != static_cast<sf_count_t> (made))
+            throw std::runtime_error (sf_strerror (file));
+        written += made;
+    }
+}
+
 } // namespace
 
 void writeWav (const std::string& path, const std::vector<float>& sound, int from, int to, std::size_t frames,
@@ -50,7 +79,6 @@ void writeWav (const std::string& path, const std::vector<float>& sound, int fro
     float largest = 0.0f;
     for (float s : sound)
         largest = std::max (largest, std::fabs (s));
-    const float gain = largest > 0.0f ? peak / largest : 0.0f;
 
     const std::string temporary = path + ".part" + std::to_string (getpid ());
     SF_INFO info {};
@@ -60,51 +88,26 @@ void writeWav (const std::string& path, const std::vector<float>& sound, int fro
     SNDFILE* file = sf_open (temporary.c_str (), SFM_WRITE, &info);
     if (file == nullptr)
         throw std::runtime_error (path + ": cannot write: " + sf_strerror (nullptr));
-    const auto abandon = [&] (const std::string& fault)
-    {
-        sf_close (file);
-        std::remove (temporary.c_str ());
-        throw std::runtime_error (path + ": cannot write: " + fault);
-    };
     // Floats past full scale become the largest 16-bit values, not a wrap-around.
     sf_command (file, SFC_SET_CLIPPING, nullptr, SF_TRUE);
 
-    // In blocks, so that a long song is never held whole at the output rate.
-    const std::size_t block = 65536;
-    std::vector<float> in (block), out (block * static_cast<std::size_t> (to / from + 2));
-    std::size_t written = 0;
+    std::string fault;
     try
     {
-        Resampler resampler (from, to);
-        for (std::size_t at = 0; written < frames;)
-        {
-            const std::size_t count = std::min (block, sound.size () - std::min (at, sound.size ()));
-            std::transform (sound.begin () + static_cast<long> (at), sound.begin () + static_cast<long> (at + count),
-                            in.begin (), [gain] (float s) { return s * gain; });
-            std::size_t made = resampler.process (count ? in.data () : nullptr, count, out.data (), out.size ());
-            at += count;
-            if (count == 0 && made == 0)
-            {
-                // The resampler is drained: the rest of the song is silence.
-                std::fill (out.begin (), out.end (), 0.0f);
-                made = out.size ();
-            }
-            made = std::min (made, frames - written);
-            if (sf_writef_float (file, out.data (), static_cast<sf_count_t> (made)) != static_cast<sf_count_t> (made))
-                abandon (sf_strerror (file));
-            written += made;
-        }
+        writeFrames (file, sound, largest > 0.0f ? peak / largest : 0.0f, from, to, frames);
     }
     catch (const std::runtime_error& e)
     {
-        if (std::string (e.what ()).rfind (path, 0) == 0)
-            throw;
-        abandon (e.what ());
+        fault = e.what ();
     }
-    if (sf_close (file) != 0 || std::rename (temporary.c_str (), path.c_str ()) != 0)
+    if (sf_close (file) != 0 && fault.empty ())
+        fault = "the file could not be finished";
+    if (fault.empty () && std::rename (temporary.c_str (), path.c_str ()) != 0)
+        fault = std::string ("cannot move it into place: ") + std::strerror (errno);
+    if (!fault.empty ())
     {
         std::remove (temporary.c_str ());
-        throw std::runtime_error (path + ": cannot write: the file could not be finished or moved into place");
+        throw std::runtime_error (path + ": cannot write: " + fault);
     }
 }
 

@@ -189,6 +189,15 @@ TEST (Sing, OddAndBadInput)
         else
             EXPECT_NEAR (run.sound.seconds (), c.seconds, 1e-4) << c.json;
     }
+    // A WAV that cannot be put in place (a folder has its name) leaves nothing behind.
+    const fs::path dir = fs::temp_directory_path () / ("sing_test_dir_" + std::to_string (::getpid ()));
+    fs::create_directories (dir / "out.wav");
+    std::ofstream (dir / "song.json") << jsonOf ({{0, 1, 60, "aa"}});
+    const std::string command = std::string (SING) + " " + (dir / "song.json").string () + " -o " + (dir / "out.wav").string () + " 2>/dev/null";
+    EXPECT_EQ (WEXITSTATUS (std::system (command.c_str ())), 1);
+    EXPECT_EQ (std::distance (fs::directory_iterator (dir), fs::directory_iterator ()), 2);
+    fs::remove_all (dir);
+
     // A note far above the voice is sung whole octaves lower, on its own pitch class.
     const Sung high = sing (jsonOf ({{0, 1, 100, "aa"}}));
     EXPECT_NEAR (centsOff (pitchHz (high.sound, 0.25, 0.75, hz (76)), 76), 0.0, 30.0);
