@@ -85,6 +85,19 @@ Syllable syllableOf (std::size_t note, std::vector<VoicePhone> phones)
 
 bool isPause (const VoicePhone& p) { return p.name == pausePhone; }
 
+/** A close vowel opened on a high note, as singers do: the voice's close vowels lose their
+    pitch there (the filter's first resonance falls below the note and rings between harmonics). */
+std::string openedVowel (const std::string& vowel, double midi)
+{
+    const bool front = vowel == "iy" || vowel == "ih" || vowel == "ey" || vowel == "eh";
+    const bool back = vowel == "uw" || vowel == "uh";
+    if (midi >= 81.0 && (front || back))
+        return front ? "ae" : "ao";
+    if (midi >= 72.0 && (vowel == "iy" || vowel == "ih" || vowel == "uw"))
+        return vowel == "uw" ? "uh" : "eh";
+    return vowel;
+}
+
 std::vector<Syllable> syllablesOf (const std::vector<Note>& song, const PhoneMapping& mapping)
 {
     std::vector<Syllable> out;
@@ -148,6 +161,13 @@ std::vector<TimedPhone> layOut (const std::vector<Note>& song, std::vector<Sylla
                                 const PlanOptions& options)
 {
     std::vector<TimedPhone> out {{pausePhone, -leadIn, 0.0, false, false}};
+    for (auto& s : syllables)
+    {
+        double highest = 0.0;
+        for (std::size_t n = s.first; n <= s.last; ++n)
+            highest = std::max (highest, song[n].midi);
+        s.held.name = openedVowel (s.held.name, highest);
+    }
     std::size_t previousHeld = 0;  // index of the held phone of a syllable that ends where the next starts
     bool joined = false;
     for (auto& s : syllables)

@@ -79,11 +79,11 @@ Sung sing (const std::string& json, const std::string& args = "")
 
 } // namespace
 
-// One sonorant-led note per semitone from MIDI 40 to 79, each after a rest: the pitch of the
+// One sonorant-led note per semitone from MIDI 40 to 79, each after a rest, close vowels too: the pitch of the
 // note's middle half, where its sonorant onset lands, and the silence of the rests.
 TEST (Sing, PitchOnsetsAndRestsAcrossTheRange)
 {
-    const char* syllables[] = {"l aa", "m ao", "n aa", "w ao", "l ae", "m aa"};
+    const char* syllables[] = {"l aa", "m iy", "n aa", "w uw", "l ae", "m ih"};
     std::vector<N> notes;
     double t = 0.3;
     for (int midi = 40; midi <= 79; ++midi, t += 0.6)
