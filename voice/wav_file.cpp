@@ -50,13 +50,14 @@ void writeFrames (SNDFILE* file, const std::vector<float>& sound, float gain, in
     // In blocks, so that a long song is never held whole at the output rate.
     const std::size_t block = 65536;
     std::vector<float> in (block), out (block * static_cast<std::size_t> (to / from + 2));
-    Resampler resampler (from, to);
+    std::unique_ptr<Resampler> resampler = from == to ? nullptr : std::make_unique<Resampler> (from, to);
     for (std::size_t at = 0, written = 0; written < frames;)
     {
         const std::size_t count = std::min (block, sound.size () - std::min (at, sound.size ()));
         std::transform (sound.begin () + static_cast<long> (at), sound.begin () + static_cast<long> (at + count),
                         in.begin (), [gain] (float s) { return s * gain; });
-        std::size_t made = resampler.process (count ? in.data () : nullptr, count, out.data (), out.size ());
+        std::size_t made = resampler ? resampler->process (count ? in.data () : nullptr, count, out.data (), out.size ())
+                                     : (std::copy_n (in.begin (), count, out.begin ()), count);
         at += count;
         if (count == 0 && made == 0)
         {
@@ -109,6 +110,24 @@ void writeWav (const std::string& path, const std::vector<float>& sound, int fro
         std::remove (temporary.c_str ());
         throw std::runtime_error (path + ": cannot write: " + fault);
     }
+}
+
+std::vector<float> readWav (const std::string& path, int& rate)
+{
+    SF_INFO info {};
+    SNDFILE* file = sf_open (path.c_str (), SFM_READ, &info);
+    if (file == nullptr)
+        throw std::runtime_error (path + ": cannot read: " + sf_strerror (nullptr));
+    std::vector<float> frames (static_cast<std::size_t> (info.frames) * static_cast<std::size_t> (info.channels));
+    const auto read = sf_readf_float (file, frames.data (), info.frames);
+    sf_close (file);
+    if (read != info.frames)
+        throw std::runtime_error (path + ": cannot read: the file ends early");
+    std::vector<float> mono (static_cast<std::size_t> (info.frames), 0.0f);
+    for (std::size_t i = 0; i < frames.size (); ++i)
+        mono[i / static_cast<std::size_t> (info.channels)] += frames[i] / static_cast<float> (info.channels);
+    rate = info.samplerate;
+    return mono;
 }
 
 } // namespace Voice

@@ -15,4 +15,7 @@ constexpr int outputRate = 44100;
 void writeWav (const std::string& path, const std::vector<float>& sound, int from, int to, std::size_t frames,
                float peak);
 
+/** A WAV file's samples, channels mixed down, and its rate. Throws std::runtime_error naming the file. */
+std::vector<float> readWav (const std::string& path, int& rate);
+
 } // namespace Voice

@@ -2,8 +2,10 @@
 // project from the song, types its lyrics, and shows what each synthesiser received.
 #include "workbench/cli/options.h"
 #include "workbench/cli/piano_roll.h"
+#include "workbench/cli/progress.h"
 #include "workbench/cli/report.h"
 #include "workbench/cli/session.h"
+#include "workbench/cli/singing.h"
 #include "workbench/cli/song_file.h"
 #include "workbench/loader/module_search.h"
 
@@ -14,7 +16,12 @@
 #include "songs/generator/compose.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
+
+#ifndef CANTORELA_SING_PATH
+#define CANTORELA_SING_PATH "sing"
+#endif
 
 namespace {
 
@@ -42,6 +49,16 @@ bool readSong (const Workbench::CommandLine& command, Score::Song& song, std::st
         return true;
     error = "the built-in example: " + error;
     return false;
+}
+
+/** The sing worker: beside this program where it is installed, else the one this build made. */
+std::string defaultSingWorker ()
+{
+    const std::string folder = Sim::programFolder ();
+    std::error_code ignored;
+    if (!folder.empty () && std::filesystem::exists (std::filesystem::u8path (folder) / "sing", ignored))
+        return (std::filesystem::u8path (folder) / "sing").u8string ();
+    return CANTORELA_SING_PATH;
 }
 
 /** Plain words over the tracks without any, from the command line or a file. */
@@ -83,8 +100,14 @@ int main (int argc, char** argv)
     for (const auto& w : song.warnings)
         std::fprintf (stderr, "workbench: note: %s\n", w.c_str ());
 
+    // Long work draws a bar on a terminal's standard error; it is cleared before anything is printed.
+    Workbench::Progress progress (Workbench::Progress::standardErrorIsTerminal ());
+    const auto tell = [&progress] (const std::string& step, double fraction) { progress.step (step, fraction); };
+    command.run.progress = tell;
     Workbench::Outcome outcome;
-    if (!Workbench::run (song, name, command.run, outcome, error))
+    const bool ran = Workbench::run (song, name, command.run, outcome, error);
+    progress.finish ();
+    if (!ran)
         return fail (error);
     for (const auto& n : outcome.notices)
         std::fprintf (stderr, "workbench: note: %s\n", n.c_str ());
@@ -99,5 +122,18 @@ int main (int argc, char** argv)
         return fail (error);
     if (!command.midiPath.empty () && !Workbench::writeSongFile (name, outcome, command.midiPath, error))
         return fail (error);
+
+    if (!command.singPath.empty () || !command.singTracksDir.empty ())
+    {
+        Workbench::SingOptions singing;
+        singing.worker = command.singWorker.empty () ? defaultSingWorker () : command.singWorker;
+        singing.mixPath = command.singPath;
+        singing.tracksDir = command.singTracksDir;
+        singing.timeout = command.singTimeout;
+        const bool sung = Workbench::sing (outcome, singing, tell, error);
+        progress.finish ();
+        if (!sung)
+            return fail (error);
+    }
     return 0;
 }

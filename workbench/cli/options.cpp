@@ -24,6 +24,10 @@ const char* const usage =
     "  --raw-lyrics         type each lyric text on its note as written, not joined into words\n"
     "  --lyrics TEXT        lay these words over the tracks that have none\n"
     "  --lyrics-file FILE   the same, with the words read from a file\n"
+    "  --sing FILE.wav      sing every synthesiser's notes, mixed, into a WAV (Linux)\n"
+    "  --sing-tracks DIR    one WAV per synthesiser in DIR, \"01 Track - Slot 1.wav\" in the report's order\n"
+    "  --sing-worker PATH   the sing program to run (default: the one in the build folder)\n"
+    "  --sing-timeout S     seconds one synthesiser may take to sing (default 30 and half the song's length)\n"
     "  -h, --help           this text\n";
 
 namespace {
@@ -61,7 +65,8 @@ bool parseCommandLine (int argc, const char* const* argv, CommandLine& out, std:
             out.run.showEditor = true;
         else if (arg == "--raw-lyrics")
             out.reading.rawLyrics = true;
-        else if (arg == "--module" || arg == "--piano-roll" || arg == "--write-midi" || arg == "--lyrics-file")
+        else if (arg == "--module" || arg == "--piano-roll" || arg == "--write-midi" || arg == "--lyrics-file"
+                 || arg == "--sing" || arg == "--sing-tracks" || arg == "--sing-worker")
         {
             const char* v = value ();
             if (!v || !*v)
@@ -69,10 +74,25 @@ bool parseCommandLine (int argc, const char* const* argv, CommandLine& out, std:
                 error = arg + " needs a path";
                 return false;
             }
-            (arg == "--module"       ? out.run.modulePath
-             : arg == "--piano-roll" ? out.rollPath
-             : arg == "--write-midi" ? out.midiPath
-                                     : out.lyricsFile) = v;
+            (arg == "--module"        ? out.run.modulePath
+             : arg == "--piano-roll"  ? out.rollPath
+             : arg == "--write-midi"  ? out.midiPath
+             : arg == "--sing"        ? out.singPath
+             : arg == "--sing-tracks" ? out.singTracksDir
+             : arg == "--sing-worker" ? out.singWorker
+                                      : out.lyricsFile) = v;
+        }
+        else if (arg == "--sing-timeout")
+        {
+            const char* v = value ();
+            char* end = nullptr;
+            const double seconds = v ? std::strtod (v, &end) : 0.0;
+            if (!v || end == v || *end != '\0' || !(seconds > 0.0 && seconds <= 86400.0))
+            {
+                error = arg + " needs a number of seconds above 0";
+                return false;
+            }
+            out.singTimeout = seconds;
         }
         else if (arg == "--lyrics")
         {

@@ -15,6 +15,10 @@ struct CommandLine
     std::string songPath;      ///< empty: the built-in example
     std::string rollPath, midiPath;
     std::string lyrics, lyricsFile;
+    std::string singPath;        ///< --sing: every synthesiser mixed into one WAV
+    std::string singTracksDir;   ///< --sing-tracks: one WAV per synthesiser
+    std::string singWorker;      ///< the sing executable; empty: the one in the build folder
+    double singTimeout = 0.0;    ///< seconds per worker; 0: 30 s and half the song's length
     bool asJson = false;
     bool timing = false;
     bool help = false;
