@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace Voice {
 
@@ -289,8 +290,11 @@ SongPlan planSong (const std::vector<Note>& notes, double duration, const PlanOp
 
     const auto mapping = mapPhonemes (song);
     for (const auto& unknown : mapping.unknown)
-        plan.warnings.push_back ("note at " + std::to_string (song[unknown.note].start).substr (0, 8)
-                                 + " s: unknown phoneme \"" + unknown.token + "\" left out");
+    {
+        char at[32];
+        std::snprintf (at, sizeof at, "%.3f", song[unknown.note].start);
+        plan.warnings.push_back ("note at " + std::string (at) + " s: unknown phoneme \"" + unknown.token + "\" left out");
+    }
 
     plan.duration = std::max (duration, song.empty () ? 0.0 : song.back ().end);
     plan.phones = layOut (song, syllablesOf (song, mapping), plan.duration, options);
@@ -320,8 +324,10 @@ std::vector<double> pitchMarks (const std::vector<PitchPoint>& pitch, double fro
     {
         marks.push_back (t);
         // The period at the middle of the period, so that a glide is followed closely.
-        t += 1.0 / pitchAt (pitch, t + 0.5 / pitchAt (pitch, t));
-        while (onset != onsets.end () && *onset <= marks.back ())
+        const double period = 1.0 / pitchAt (pitch, t + 0.5 / pitchAt (pitch, t));
+        t += period;
+        // An onset within half a period of the last mark has its mark already.
+        while (onset != onsets.end () && *onset < marks.back () + 0.5 * period)
             ++onset;
         if (onset != onsets.end () && *onset < t)
             t = *onset++;

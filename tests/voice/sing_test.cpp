@@ -168,6 +168,7 @@ TEST (Sing, OddAndBadInput)
         {jsonOf ({{0, 1, 60, "qq aa"}}), "", 0, "unknown phoneme \"qq\" left out", 1.0},
         {jsonOf ({{0, 1, 100, "aa"}}), "", 0, "1 note(s) outside MIDI 36-84", 1.0},
         {jsonOf ({{0, 1, 100, "aa"}}), "--quiet", 0, "", 1.0},
+        {jsonOf ({{0.3, 0.6, 84, "aa"}}, 5.0), "", 0, "", 5.0},  // a high note in a long song: the engine's crash
         {"{\"notes\": [", "", 1, "song.json: parse error at line 1", -1},
         {"{\"notes\": [{\"start\": 1, \"end\": 0.5, \"midi\": 60}]}", "", 1, "note 1: \"end\" is before \"start\"", -1},
         {"{\"notes\": [{\"start\": 0, \"end\": 1}]}", "", 1, "note 1: a sung note needs \"midi\" or \"cents\"", -1},
