@@ -30,7 +30,7 @@ if(TARGET CantorelaBetaAgent)
   install(FILES ${CANTORELA_BUNDLE_DIR}/Contents/Resources/moduleinfo.json DESTINATION ${bundle}/Contents/Resources)
 endif()
 
-foreach(program workbench lyric2phoneme)
+foreach(program workbench lyric2phoneme sing)
   if(TARGET ${program})
     install(TARGETS ${program} RUNTIME DESTINATION ${CANTORELA_INSTALL_BINDIR})
   endif()
@@ -82,9 +82,10 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SECTION sound)
   set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${CANTORELA_FACTORY_VENDOR} <cantorela@zelmor.example>")
   # The libraries the binaries link, found by dpkg-shlibdeps; fonts for the window and the
-  # workbench's piano roll (kana and kanji from VL Gothic).
+  # workbench's piano roll (kana and kanji from VL Gothic); the singing voice's engine data
+  # (Festival's Scheme library, the voice, the lexicons its set-up loads) for sing.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-dejavu-core)
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-dejavu-core, festival, festvox-kallpc16k, festlex-cmu, festlex-poslex")
   set(CPACK_DEBIAN_PACKAGE_SUGGESTS fonts-vlgothic)
 endif()
 include(CPack)

@@ -9,6 +9,8 @@ packages=(
   libx11-dev libxext-dev libxrandr-dev libxinerama-dev libxcursor-dev libxcomposite-dev libfontconfig1-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   pocketsphinx-en-us espeak-ng python3
+  festival festival-dev libestools-dev festvox-kallpc16k festlex-cmu festlex-poslex
+  libsndfile1-dev libsoxr-dev nlohmann-json3-dev
   xvfb xauth x11-utils imagemagick fonts-dejavu-core fonts-vlgothic
 )
 

@@ -31,11 +31,13 @@ pack () {
 version_of () { sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")$/\1/p' "$1/CPackConfig.cmake"; }
 
 # The files a package must hold, sorted; $1 the folder of the programs, $2 of the bundle, $3 of the
-# documents, $4 the module inside the bundle.
+# documents, $4 the module inside the bundle, $5 the programs' extension, $6 programs of this
+# system's only (the singing voice is Linux's).
 layout () {
-  local notice
+  local notice program
   {
     echo "$1/workbench$5" "$1/lyric2phoneme$5" | tr ' ' '\n'
+    for program in ${6:-}; do echo "$1/$program$5"; done
     echo "$2/CantorelaBetaAgent.vst3/Contents/Resources/moduleinfo.json"
     echo "$2/CantorelaBetaAgent.vst3/Contents/$4"
     echo "$3/README.md"
@@ -63,7 +65,7 @@ case "$kind" in
     package="$(pack "$build")"
     [ "$(basename "$package")" = "cantorela-beta-agent_${version}_amd64.deb" ] || fault "unexpected name $package"
     have="$(dpkg-deb --contents "$package" | awk '{print $NF}' | grep -v '/$' | sed 's|^\./||' | LC_ALL=C sort)"
-    same_files "$(layout usr/bin usr/lib/vst3 usr/share/doc/cantorela-beta-agent x86_64-linux/CantorelaBetaAgent.so "")" \
+    same_files "$(layout usr/bin usr/lib/vst3 usr/share/doc/cantorela-beta-agent x86_64-linux/CantorelaBetaAgent.so "" sing)" \
                "$have" "$package"
     [ "$(dpkg-deb -f "$package" Version)" = "$version" ] || fault "$package says version $(dpkg-deb -f "$package" Version)"
     info="$(dpkg-deb --fsys-tarfile "$package" \

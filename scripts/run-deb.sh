@@ -40,5 +40,9 @@ grep -q "file=/usr/lib/vst3/CantorelaBetaAgent.vst3/Contents/x86_64-linux/Cantor
 [ "$(/usr/bin/lyric2phoneme hello)" = "$("$build/phoneme/lyric2phoneme" hello)" ] \
   || { echo "the installed lyric2phoneme converts otherwise"; failed=1; }
 
+# The voice the package recommends came with it: the installed workbench sings through /usr/bin/sing.
+(cd "$work" && /usr/bin/workbench "$song" --sing "$work/sung.wav" > /dev/null) && [ -s "$work/sung.wav" ] \
+  || { echo "the installed workbench did not sing"; failed=1; }
+
 [ "$failed" -eq 0 ] && stamp "passed" || stamp "failed"
 exit "$failed"

@@ -27,6 +27,8 @@ fi
 # --- The layout ---------------------------------------------------------------------------
 expected=(bin/lyric2phoneme bin/workbench "$bundle/Contents/Resources/moduleinfo.json" "$bundle/$so"
           "$doc/README.md" "$doc/install.md")
+# The singing worker, where the build has the voice.
+[ -e "$build/voice/sing" ] && expected+=(bin/sing)
 for notice in "$source"/docs/third-party-notices*.md; do
   [ -e "$notice" ] && expected+=("$doc/$(basename "$notice")")
 done

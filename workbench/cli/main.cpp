@@ -1,16 +1,21 @@
 // workbench: reads songs, loads the agent module as a host does, builds a
 // project from each song, types its lyrics, and shows what each synthesiser received.
 #include "workbench/cli/options.h"
+#include "workbench/cli/progress.h"
 #include "workbench/cli/song_run.h"
 #include "workbench/loader/module_search.h"
 
 #include "score/file_bytes.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 #ifndef CANTORELA_VERSION
 #define CANTORELA_VERSION "unknown"
+#endif
+#ifndef CANTORELA_SING_PATH
+#define CANTORELA_SING_PATH "sing"
 #endif
 
 namespace {
@@ -26,6 +31,16 @@ int usageError (const std::string& reason)
 {
     std::fprintf (stderr, "%s\n", Workbench::usageHint);
     return fail (reason, 2);
+}
+
+/** The sing worker: beside this program where it is installed, else the one this build made. */
+std::string defaultSingWorker ()
+{
+    const std::string folder = Sim::programFolder ();
+    std::error_code ignored;
+    if (!folder.empty () && std::filesystem::exists (std::filesystem::u8path (folder) / "sing", ignored))
+        return (std::filesystem::u8path (folder) / "sing").u8string ();
+    return CANTORELA_SING_PATH;
 }
 
 /** The lyric sheet, from the command line, a file, or standard input. */
@@ -80,9 +95,14 @@ int main (int argc, char** argv)
     if (!Workbench::checkJobs (command, jobs, error) || !readSheet (command, sheet, error))
         return fail (error);
 
+    // Long work draws a bar on a terminal's standard error; it is cleared before anything is printed.
+    Workbench::Progress progress (Workbench::Progress::standardErrorIsTerminal ());
+    command.run.progress = [&progress] (const std::string& step, double fraction) { progress.step (step, fraction); };
+    if ((command.sing || command.singTracks) && command.singWorker.empty ())
+        command.singWorker = defaultSingWorker ();
     std::vector<std::string> failed;
     for (const auto& job : jobs)
-        if (!Workbench::singSong (job, command, sheet, stderr, error))
+        if (!Workbench::singSong (job, command, sheet, stderr, progress, error))
         {
             fail (error);
             failed.push_back (job.name);

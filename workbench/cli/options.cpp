@@ -117,6 +117,40 @@ const Option options[] = {
     {"--all-tracks", nullptr, Takes::Nothing, nullptr,
      "sing the tracks without words too (as \"ah\"), when other tracks have words",
      [] (CommandLine& c, const std::string&, std::string&) { return c.allTracks = true; }},
+    {"--sing", nullptr, Takes::Output, "FILE.wav", "sing every synthesiser's notes, mixed, into a WAV (Linux)",
+     [] (CommandLine& c, const std::string& v, std::string&) {
+         c.sing = true;
+         c.singPath = v;
+         return true;
+     },
+     true},
+    {"--sing-tracks", nullptr, Takes::Output, "DIR",
+     "one WAV per synthesiser in DIR, \"01 Track - Slot 1.wav\" in the report's order; with\n"
+     "                       --out it takes no folder name and writes into NAME.tracks",
+     [] (CommandLine& c, const std::string& v, std::string&) {
+         c.singTracks = true;
+         c.singTracksDir = v;
+         return true;
+     },
+     true},
+    {"--sing-worker", nullptr, Takes::Input, "PATH", "the sing program to run (default: beside the workbench, else the build's)",
+     [] (CommandLine& c, const std::string& v, std::string&) {
+         c.singWorker = v;
+         return true;
+     }},
+    {"--sing-timeout", nullptr, Takes::Text, "S",
+     "seconds one synthesiser may take to sing (default 30 and half the song's length)",
+     [] (CommandLine& c, const std::string& v, std::string& e) {
+         char* end = nullptr;
+         const double seconds = std::strtod (v.c_str (), &end);
+         if (v.empty () || *end != '\0' || !(seconds > 0.0 && seconds <= 86400.0))
+         {
+             e = "--sing-timeout needs a number of seconds above 0, not \"" + v + "\"";
+             return false;
+         }
+         c.singTimeout = seconds;
+         return true;
+     }},
     {"--module", nullptr, Takes::Input, "PATH", "the module bundle or .so to load (default: beside the program, else in the VST3 folders)",
      [] (CommandLine& c, const std::string& v, std::string&) {
          c.run.modulePath = v;

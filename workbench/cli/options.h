@@ -17,9 +17,14 @@ struct CommandLine
     std::string rollPath, midiPath;  ///< one song's outputs
     std::string outDir;              ///< each song's outputs in this folder, under its own name
     bool roll = false, midi = false; ///< with `outDir`: a piano roll, a MIDI file for each song
+    bool sing = false, singTracks = false;  ///< with `outDir`: a WAV, a folder of WAVs for each song
     bool plainMidiLyrics = false;    ///< lyric events as other programs write them, not in the host's form
     std::string lyrics, lyricsFile, lyricsTrack;
     bool allTracks = false;          ///< sing the tracks without words too, when others have words
+    std::string singPath;            ///< --sing: every synthesiser mixed into one WAV
+    std::string singTracksDir;       ///< --sing-tracks: one WAV per synthesiser
+    std::string singWorker;          ///< the sing executable; empty: the one in the build folder
+    double singTimeout = 0.0;        ///< seconds per worker; 0: 30 s and half the song's length
     bool asJson = false;
     bool timing = false;
     bool help = false;

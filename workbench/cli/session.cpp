@@ -199,11 +199,13 @@ void buildProject (Sim::ProjectManager& manager, const Score::Song& song, const 
 }
 
 /** The user types the words in the order of the song, one host edit each. */
-void typeWords (SongProject& song, FUnknown* agent, Timing& timing)
+void typeWords (SongProject& song, FUnknown* agent, Timing& timing, const Options& options)
 {
-    for (auto& typed : song.typing)
+    for (std::size_t i = 0; i < song.typing.size (); ++i)
     {
-        song.project->typeLyric (*typed.note, typed.lyric, agent);
+        if (options.progress)
+            options.progress ("typing the words", static_cast<double> (i) / static_cast<double> (song.typing.size ()));
+        song.project->typeLyric (*song.typing[i].note, song.typing[i].lyric, agent);
         ++timing.lyricEdits;
     }
 }
@@ -313,6 +315,8 @@ bool run (const Score::Song& song, const std::string& projectName, const Options
     Sim::AgentDriver driver (host, agent);
 
     bool ok;
+    if (options.progress)
+        options.progress ("building the project", 0.0);
     {
         Stopwatch build (out.timing.build);
         buildProject (manager, song, projectName, project);
@@ -324,16 +328,23 @@ bool run (const Score::Song& song, const std::string& projectName, const Options
     if (ok)
     {
         Stopwatch edits (out.timing.edits);
-        ok = guarded ("a lyric edit", error, [&] { typeWords (project, agent, out.timing); });
+        ok = guarded ("a lyric edit", error, [&] { typeWords (project, agent, out.timing, options); });
     }
+    const auto step = [&] (const char* name)
+    {
+        if (options.progress)
+            options.progress (name, 0.0);
+    };
     if (ok)
     {
+        step ("idle passes");
         Stopwatch idle (out.timing.idle);
         ok = guarded ("an idle pass", error,
                      [&] { idlePasses (options, manager, *project.project, driver, out.timing); });
     }
     if (ok && (options.undo > 0 || options.redo > 0))
     {
+        step ("undo and redo");
         Stopwatch history (out.timing.history);
         ok = guarded ("undo or redo", error, [&] {
             undoAndRedo (options, *project.project, out.timing);

@@ -7,6 +7,7 @@
 #include "score/song.h"
 #include "svs/svs_interfaces.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,8 @@ struct Options
     int redo = 0;
     bool showEditor = false;
     double editorSeconds = 10.0;
+    /** Told the step under way and how far into it (0 to 1), for a progress bar; may be empty. */
+    std::function<void (const std::string& step, double fraction)> progress;
 };
 
 struct Received

@@ -4,6 +4,7 @@
 #include "workbench/cli/output_check.h"
 #include "workbench/cli/piano_roll.h"
 #include "workbench/cli/report.h"
+#include "workbench/cli/singing.h"
 #include "workbench/cli/song_file.h"
 #include "workbench/cli/unsung.h"
 
@@ -134,14 +135,14 @@ bool planJobs (const CommandLine& command, std::vector<SongJob>& jobs, std::stri
                 return false;
             }
             standardInputTaken = true;
-            jobs.push_back ({"-", "standard input", {}, {}, {}});
+            jobs.push_back ({"-", "standard input", {}, {}, {}, {}, {}});
             continue;
         }
         std::error_code ec;
         const fs::path path = fs::u8path (arg);
         if (!fs::is_directory (path, ec))
         {
-            jobs.push_back ({arg, fileName (arg), {}, {}, {}});
+            jobs.push_back ({arg, fileName (arg), {}, {}, {}, {}, {}});
             continue;
         }
         std::vector<std::string> found;
@@ -155,22 +156,25 @@ bool planJobs (const CommandLine& command, std::vector<SongJob>& jobs, std::stri
         }
         std::sort (found.begin (), found.end ());
         for (const auto& f : found)
-            jobs.push_back ({f, fileName (f), {}, {}, {}});
+            jobs.push_back ({f, fileName (f), {}, {}, {}, {}, {}});
     }
     if (jobs.empty ())
-        jobs.push_back ({{}, exampleName, {}, {}, {}});
+        jobs.push_back ({{}, exampleName, {}, {}, {}, {}, {}});
 
     if (command.outDir.empty ())
     {
-        if (jobs.size () > 1 && (command.roll || command.midi))
+        if (jobs.size () > 1 && (command.roll || command.midi || command.sing || command.singTracks))
         {
-            error = std::string (command.roll ? "--piano-roll" : "--write-midi")
+            error = std::string (command.roll ? "--piano-roll" : command.midi ? "--write-midi" : command.sing ? "--sing"
+                                                                                                  : "--sing-tracks")
                     + " names one file, for one song; with several, --out DIR writes each song's into DIR";
             status = 2;
             return false;
         }
         jobs.front ().roll = command.rollPath;
         jobs.front ().midi = command.midiPath;
+        jobs.front ().wav = command.singPath;
+        jobs.front ().wavTracks = command.singTracksDir;
         return true;
     }
     std::error_code ec;
@@ -186,6 +190,8 @@ bool planJobs (const CommandLine& command, std::vector<SongJob>& jobs, std::stri
         job.report = stem + (command.asJson ? ".json" : ".txt");
         job.roll = command.roll ? stem + ".png" : std::string ();
         job.midi = command.midi ? stem + ".sung.mid" : std::string ();
+        job.wav = command.sing ? stem + ".wav" : std::string ();
+        job.wavTracks = command.singTracks ? stem + ".tracks" : std::string ();
     }
     return true;
 }
@@ -201,6 +207,8 @@ bool checkJobs (const CommandLine& command, const std::vector<SongJob>& jobs, st
             outputs.push_back ({j.roll, "the piano roll of " + j.name, ".png"});
         if (!j.midi.empty ())
             outputs.push_back ({j.midi, "the MIDI file of " + j.name, ".mid"});
+        if (!j.wav.empty ())
+            outputs.push_back ({j.wav, "the singing of " + j.name, ".wav"});
     }
     std::vector<std::string> warnings;
     const bool ok = checkOutputs (outputs, inputsOf (command, jobs), warnings, error);
@@ -231,7 +239,7 @@ void chooseTracks (Score::Song& song, bool all, std::vector<Notice>& notices)
 }
 
 bool singSong (const SongJob& job, const CommandLine& command, const std::string& sheet, std::FILE* messages,
-               std::string& error)
+               Progress& progress, std::string& error)
 {
     Score::Song song;
     if (!readSong (job, command.reading, song, error))
@@ -250,7 +258,9 @@ bool singSong (const SongJob& job, const CommandLine& command, const std::string
         say (messages, n);
 
     Outcome outcome;
-    if (!run (song, job.name, command.run, outcome, error))
+    const bool ran = run (song, job.name, command.run, outcome, error);
+    progress.finish ();
+    if (!ran)
         return false;
     const std::size_t before = notices.size ();
     for (const auto& n : outcome.notices)
@@ -281,9 +291,20 @@ bool singSong (const SongJob& job, const CommandLine& command, const std::string
             std::fprintf (messages, "workbench: the piano roll of %s takes %zu pages: %s to %s\n", job.name.c_str (),
                           pages.size (), pages.front ().path.c_str (), pages.back ().path.c_str ());
     }
-    return job.midi.empty ()
-           || writeSongFile (title, outcome, command.plainMidiLyrics ? MidiLyrics::Plain : MidiLyrics::Host, job.midi,
-                             error);
+    if (!job.midi.empty ()
+        && !writeSongFile (title, outcome, command.plainMidiLyrics ? MidiLyrics::Plain : MidiLyrics::Host, job.midi,
+                           error))
+        return false;
+    if (job.wav.empty () && job.wavTracks.empty ())
+        return true;
+    SingOptions singing;
+    singing.worker = command.singWorker;
+    singing.mixPath = job.wav;
+    singing.tracksDir = job.wavTracks;
+    singing.timeout = command.singTimeout;
+    const bool sung = sing (outcome, singing, command.run.progress, error);
+    progress.finish ();
+    return sung;
 }
 
 } // namespace Workbench

@@ -4,6 +4,7 @@
 
 #include "workbench/cli/notice.h"
 #include "workbench/cli/options.h"
+#include "workbench/cli/progress.h"
 
 #include <cstdio>
 #include <string>
@@ -17,6 +18,7 @@ struct SongJob
     std::string name;    ///< how the reports name the song: its file's name
     std::string report;  ///< the table's or the JSON's file; empty: standard output
     std::string roll, midi;  ///< empty: none
+    std::string wav, wavTracks;  ///< all synthesisers mixed, a folder of one each; empty: none
 };
 
 /**
@@ -35,12 +37,12 @@ bool checkJobs (const CommandLine& command, const std::vector<SongJob>& jobs, st
 
 /**
  * Reads the song, lays the lyric sheet over it, leaves out the tracks without
- * words when others have some (unless asked), runs the agent, and writes the
- * report and the files asked for. Notices go to `messages` as they come. False
- * with the error.
+ * words when others have some (unless asked), runs the agent, writes the
+ * report and the files asked for, and has the voice sing it if asked. Notices
+ * go to `messages` as they come, the bar cleared first. False with the error.
  */
 bool singSong (const SongJob& job, const CommandLine& command, const std::string& sheet, std::FILE* messages,
-               std::string& error);
+               Progress& progress, std::string& error);
 
 /** Drops the tracks without words when another has some; says which in `notices`. */
 void chooseTracks (Score::Song& song, bool all, std::vector<Notice>& notices);
