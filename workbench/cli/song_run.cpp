@@ -284,7 +284,7 @@ bool singSong (const SongJob& job, const CommandLine& command, const std::string
             pages.push_back ({f, "the piano roll of " + job.name, ""});
         std::vector<std::string> ignored;
         if (!checkOutputs (pages, inputsOf (command, {job}), ignored, error)
-            || !writePianoRoll (outcome, notices, job.name == title ? title : job.name + " \"" + title + "\"", job.roll,
+            || !writePianoRoll (outcome, notices, job.name.rfind (title, 0) == 0 ? job.name : job.name + " \"" + title + "\"", job.roll,
                                 error))
             return false;
         if (pages.size () > 1)
