@@ -1,5 +1,7 @@
 #include "workbench/sim/call_log.h"
 
+#include <array>
+#include <atomic>
 #include <cstring>
 #include <mutex>
 #include <unordered_map>
@@ -7,16 +9,26 @@
 namespace Sim {
 namespace {
 
+// The counters are counted on every host call, millions of times in a long
+// song's life: a fixed table per side, keyed by the literal's address, found
+// without a lock or an allocation. One name may sit at several addresses (one
+// per translation unit); count() sums them.
+constexpr std::size_t kCounters = 1024;  // a power of two, far more than there are call names
+constexpr int kSides = 3;
+
+struct Counter
+{
+    std::atomic<const char*> call {nullptr};
+    std::atomic<int64_t> count {0};
+};
+
 struct LogState
 {
-    std::mutex mutex;
+    std::array<std::array<Counter, kCounters>, kSides> counters;
+    std::atomic<bool> recording {true};
+    std::mutex mutex;  // the ordered list, and the spill-over of a full table
     std::vector<CallEntry> entries;
-    // Keyed by the literal's address: no allocation on the hot path. One name
-    // may sit at several addresses (one per translation unit); count() sums them.
-    std::unordered_map<const char*, int64_t> counts;
-    int64_t hostCalls = 0;
-    int64_t pluginCalls = 0;
-    bool recording = true;
+    std::unordered_map<const char*, int64_t> spilled[kSides];
 };
 
 LogState& state ()
@@ -25,13 +37,53 @@ LogState& state ()
     return s;
 }
 
-void countLocked (LogState& s, Side side, const char* call)
+std::size_t slotOf (const char* call)
 {
-    ++s.counts[call];
-    if (side == Side::Host)
-        ++s.hostCalls;
-    else if (side == Side::Plugin)
-        ++s.pluginCalls;
+    const auto bits = static_cast<uint64_t> (reinterpret_cast<uintptr_t> (call));
+    return static_cast<std::size_t> ((bits * 0x9E3779B97F4A7C15ull) >> 54) & (kCounters - 1);
+}
+
+/** The counter of `call`, claimed if new; null only when the table is full. */
+Counter* counterOf (LogState& s, Side side, const char* call)
+{
+    auto& table = s.counters[static_cast<std::size_t> (side)];
+    for (std::size_t i = slotOf (call), probes = 0; probes < kCounters; ++probes, i = (i + 1) & (kCounters - 1))
+    {
+        const char* at = table[i].call.load (std::memory_order_acquire);
+        if (at == nullptr)
+        {
+            const char* expected = nullptr;
+            if (table[i].call.compare_exchange_strong (expected, call, std::memory_order_acq_rel))
+                return &table[i];
+            at = expected;
+        }
+        if (at == call)
+            return &table[i];
+    }
+    return nullptr;
+}
+
+void countCall (LogState& s, Side side, const char* call)
+{
+    if (Counter* c = counterOf (s, side, call))
+    {
+        c->count.fetch_add (1, std::memory_order_relaxed);
+        return;
+    }
+    std::lock_guard<std::mutex> lock (s.mutex);
+    ++s.spilled[static_cast<std::size_t> (side)][call];
+}
+
+int64_t sideTotal (Side side)
+{
+    auto& s = state ();
+    int64_t total = 0;
+    for (auto& c : s.counters[static_cast<std::size_t> (side)])
+        total += c.count.load (std::memory_order_relaxed);
+    std::lock_guard<std::mutex> lock (s.mutex);
+    for (auto& [name, n] : s.spilled[static_cast<std::size_t> (side)])
+        total += n;
+    return total;
 }
 
 } // namespace
@@ -39,17 +91,17 @@ void countLocked (LogState& s, Side side, const char* call)
 void CallLog::record (Side side, const char* call, const std::string& object)
 {
     auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    countLocked (s, side, call);
-    if (s.recording)
+    countCall (s, side, call);
+    if (s.recording.load (std::memory_order_relaxed))
+    {
+        std::lock_guard<std::mutex> lock (s.mutex);
         s.entries.push_back ({side, call, object});
+    }
 }
 
 void CallLog::countOnly (Side side, const char* call)
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    countLocked (s, side, call);
+    countCall (state (), side, call);
 }
 
 std::vector<CallEntry> CallLog::entries ()
@@ -110,26 +162,27 @@ std::vector<std::string> CallLog::startingWith (std::initializer_list<const char
 int64_t CallLog::count (const std::string& call)
 {
     auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
     int64_t total = 0;
-    for (auto& [name, n] : s.counts)
-        if (call == name)
-            total += n;
+    for (auto& table : s.counters)
+        for (auto& c : table)
+            if (const char* name = c.call.load (std::memory_order_acquire); name && call == name)
+                total += c.count.load (std::memory_order_relaxed);
+    std::lock_guard<std::mutex> lock (s.mutex);
+    for (auto& spilled : s.spilled)
+        for (auto& [name, n] : spilled)
+            if (call == name)
+                total += n;
     return total;
 }
 
 int64_t CallLog::hostCalls ()
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    return s.hostCalls;
+    return sideTotal (Side::Host);
 }
 
 int64_t CallLog::pluginCalls ()
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    return s.pluginCalls;
+    return sideTotal (Side::Plugin);
 }
 
 void CallLog::clear ()
@@ -137,16 +190,17 @@ void CallLog::clear ()
     auto& s = state ();
     std::lock_guard<std::mutex> lock (s.mutex);
     s.entries.clear ();
-    s.counts.clear ();
-    s.hostCalls = 0;
-    s.pluginCalls = 0;
+    // The names stay claimed: a counter at 0 counts as none.
+    for (auto& table : s.counters)
+        for (auto& c : table)
+            c.count.store (0, std::memory_order_relaxed);
+    for (auto& spilled : s.spilled)
+        spilled.clear ();
 }
 
 void CallLog::setRecording (bool on)
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    s.recording = on;
+    state ().recording.store (on, std::memory_order_relaxed);
 }
 
 } // namespace Sim

@@ -1,6 +1,8 @@
 #include "workbench/sim/edit.h"
 
-#include "workbench/sim/note.h"
+#include "workbench/sim/attribute_store.h"
+
+#include <algorithm>
 
 namespace Sim {
 
@@ -50,31 +52,27 @@ bool StepChangeSink::query (const TUID iid, void** obj)
     return offerUnknown (iid, obj, static_cast<IStepChangeSink*> (this));
 }
 
-namespace {
-
-void restore (const Change& c, const std::optional<Value>& value)
+void Journal::add (const Change& change)
 {
-    if (c.kind == Change::Text)
+    if (blocks_.empty () || blocks_.back ().size () == blocks_.back ().capacity ())
     {
-        if (auto* note = dynamic_cast<Note*> (c.node))
-            note->restoreText (c.key, value);
+        // Small for a typed word, up to 64 KiB blocks for a pass that writes back every note.
+        const std::size_t capacity = std::min<std::size_t> (std::max<std::size_t> (size_, 16), 1365);
+        blocks_.emplace_back ();
+        blocks_.back ().reserve (capacity);
     }
-    else
-        c.node->restoreAttr (c.key, value);
+    blocks_.back ().push_back (change);
+    ++size_;
 }
-
-} // namespace
 
 void Edit::revert () const
 {
-    for (auto it = journal.rbegin (); it != journal.rend (); ++it)
-        restore (*it, it->before);
+    journal.backwards ([] (const Change& c) { c.store->at (c.entry).value = c.before; });
 }
 
 void Edit::reapply () const
 {
-    for (const auto& c : journal)
-        restore (c, c.after);
+    journal.forwards ([] (const Change& c) { c.store->at (c.entry).value = c.after; });
 }
 
 } // namespace Sim

@@ -36,14 +36,6 @@ void Node::rename (const std::string& name)
     rawName_ = toU16 (name);
 }
 
-std::optional<Value> Node::attr (const std::string& key) const
-{
-    auto it = attributes_.find (key);
-    if (it == attributes_.end ())
-        return std::nullopt;
-    return it->second;
-}
-
 int64_t Node::attrInt (const std::string& key) const
 {
     auto v = attr (key);
@@ -56,38 +48,35 @@ std::string Node::attrText (const std::string& key) const
     return v ? v->toString () : std::string ();
 }
 
-void Node::setAttr (const std::string& key, Value value)
+void Node::setAttr (const std::string& key, const Value& value)
 {
-    changeAttr (key, std::move (value));
+    change (attributes_, attributes_.place (texts (), key.c_str ()), texts ().hold (value), journaled ());
 }
 
 void Node::removeAttr (const std::string& key)
 {
-    changeAttr (key, std::nullopt);
+    change (attributes_, attributes_.place (texts (), key.c_str ()), Slot {}, journaled ());
 }
 
 std::optional<int32> Node::lastFlags (const std::string& key) const
 {
-    auto it = flags_.find (key);
-    if (it == flags_.end ())
+    const uint32_t i = attributes_.find (key.c_str ());
+    if (i == AttributeStore::kNone || !attributes_.at (i).flagged)
         return std::nullopt;
-    return it->second;
+    return attributes_.at (i).flags;
 }
 
-void Node::changeAttr (const std::string& key, std::optional<Value> value)
+TextPool& Node::texts () const
 {
-    std::optional<Value> before = attr (key);
-    if (journaled () && project_)
-        project_->journal (*this, Change::Attribute, key, before, value);
-    restoreAttr (key, value);
+    return project_ ? project_->texts () : TextPool::unowned ();
 }
 
-void Node::restoreAttr (const std::string& key, const std::optional<Value>& value)
+void Node::change (AttributeStore& store, uint32_t entry, const Slot& value, bool journal)
 {
-    if (value)
-        attributes_[key] = *value;
-    else
-        attributes_.erase (key);
+    Slot& slot = store.at (entry).value;
+    if (journal && project_)
+        project_->journal ({&store, entry, slot, value});
+    slot = value;
 }
 
 Node& Node::addNode (const std::string& name, std::vector<std::string> types)
@@ -138,8 +127,11 @@ tresult PLUGIN_API Node::setAttribute (const char* key, const FVariant* value, i
     CallLog::record (Side::Host, "IProjectNode::setAttribute", name ());
     if (!key || !value)
         return kInvalidArgument;
-    flags_[key] = flags;
-    changeAttr (key, Value::fromVariant (*value));
+    const uint32_t entry = attributes_.place (texts (), key);
+    auto& e = attributes_.at (entry);
+    e.flagged = true;
+    e.flags = flags;
+    change (attributes_, entry, texts ().hold (*value, e.value), journaled ());
     return kResultOk;
 }
 
@@ -148,17 +140,17 @@ tresult PLUGIN_API Node::getAttribute (const char* key, FVariant* value)
     CallLog::record (Side::Host, "IProjectNode::getAttribute", name ());
     if (!key || !value)
         return kInvalidArgument;
-    auto it = attributes_.find (key);
-    if (it == attributes_.end ())
+    const Slot* held = attributes_.get (key);
+    if (!held)
         return kResultFalse;
-    it->second.toVariant (*value, borrowedStrings_);
+    held->toVariant (*value, borrowedStrings_);
     return kResultOk;
 }
 
 tresult PLUGIN_API Node::hasAttribute (const char* key)
 {
     CallLog::record (Side::Host, "IProjectNode::hasAttribute", name ());
-    if (key && attributes_.count (key))
+    if (key && attributes_.has (key))
         return kResultOk;
     if (missingResult_)
         return *missingResult_;
@@ -170,9 +162,10 @@ tresult PLUGIN_API Node::removeAttribute (const char* key)
     CallLog::record (Side::Host, "IProjectNode::removeAttribute", name ());
     if (!key)
         return kInvalidArgument;
-    if (!attributes_.count (key))
+    const uint32_t entry = attributes_.find (key);
+    if (entry == AttributeStore::kNone || !attributes_.at (entry).value.present ())
         return kResultFalse;
-    changeAttr (key, std::nullopt);
+    change (attributes_, entry, Slot {}, journaled ());
     return kResultOk;
 }
 

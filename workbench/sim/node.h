@@ -2,6 +2,7 @@
 // children. Folders, tracks, parts and notes build on it.
 #pragma once
 
+#include "workbench/sim/attribute_store.h"
 #include "workbench/sim/object.h"
 #include "workbench/sim/value.h"
 
@@ -38,13 +39,14 @@ public:
 
     // Attributes as the test sees them. Changes to a note's attributes are
     // journaled while the project has an edit open.
-    bool hasAttr (const std::string& key) const { return attributes_.count (key) != 0; }
-    std::optional<Value> attr (const std::string& key) const;
+    bool hasAttr (const std::string& key) const { return attributes_.has (key.c_str ()); }
+    std::optional<Value> attr (const std::string& key) const { return attributes_.value (key.c_str ()); }
     int64_t attrInt (const std::string& key) const;
     std::string attrText (const std::string& key) const;
-    void setAttr (const std::string& key, Value value);
+    void setAttr (const std::string& key, const Value& value);
     void removeAttr (const std::string& key);
-    const std::map<std::string, Value>& attributes () const { return attributes_; }
+    /** The present attributes, ordered by key. */
+    std::map<std::string, Value> attributes () const { return attributes_.values (); }
     /** The flags of the last setAttribute, per key. */
     std::optional<Steinberg::int32> lastFlags (const std::string& key) const;
 
@@ -81,9 +83,6 @@ public:
     /** getChildren returns null instead of an iterator. */
     void setChildrenNull (bool on) { childrenNull_ = on; }
 
-    // Restores a journaled attribute without journaling it again.
-    void restoreAttr (const std::string& key, const std::optional<Value>& value);
-
     // IProjectNode
     Steinberg::int32 PLUGIN_API isType (const char* typeName) override;
     Steinberg::tresult PLUGIN_API setAttribute (const char* key, const Steinberg::FVariant* value,
@@ -106,9 +105,12 @@ protected:
     virtual bool journaled () const { return false; }
     /** How hand-outs of string values look (owner copy or borrowed). */
     bool borrowedStrings () const { return borrowedStrings_; }
+    /** Where this node's texts are kept: its project's pool. */
+    TextPool& texts () const;
+    /** Sets `store`'s entry to `value`, journaled when `journal`. */
+    void change (AttributeStore& store, uint32_t entry, const Slot& value, bool journal);
 
 private:
-    void changeAttr (const std::string& key, std::optional<Value> value);
 
     struct Child
     {
@@ -118,8 +120,7 @@ private:
 
     std::vector<std::string> types_;
     std::u16string rawName_;
-    std::map<std::string, Value> attributes_;
-    std::map<std::string, Steinberg::int32> flags_;
+    AttributeStore attributes_;
     std::optional<Steinberg::tresult> missingResult_;
     bool borrowedStrings_ = false;
     bool muted_ = false;

@@ -10,41 +10,28 @@ Note::Note (const std::string& name, Project* project) : Node ("Note", name, {},
 
 std::string Note::text (const std::string& key) const
 {
-    auto it = values_.find (key);
-    return it == values_.end () ? std::string () : it->second.toString ();
+    const Slot* held = values_.get (key.c_str ());
+    return held ? held->value ().toString () : std::string ();
 }
 
 void Note::setText (const std::string& key, const std::string& utf8)
 {
-    changeText (key, Value::text (utf8));
+    changeText (key, texts ().hold (Value::text (utf8)));
 }
 
 void Note::setRawText (const std::string& key, std::u16string text)
 {
-    changeText (key, Value (std::move (text)));
+    changeText (key, texts ().hold (Value (std::move (text))));
 }
 
 void Note::removeText (const std::string& key)
 {
-    changeText (key, std::nullopt);
+    changeText (key, Slot {});
 }
 
-void Note::changeText (const std::string& key, std::optional<Value> value)
+void Note::changeText (const std::string& key, const Slot& value)
 {
-    std::optional<Value> before;
-    if (auto it = values_.find (key); it != values_.end ())
-        before = it->second;
-    if (project ())
-        project ()->journal (*this, Change::Text, key, before, value);
-    restoreText (key, value);
-}
-
-void Note::restoreText (const std::string& key, const std::optional<Value>& value)
-{
-    if (value)
-        values_[key] = *value;
-    else
-        values_.erase (key);
+    change (values_, values_.place (texts (), key.c_str ()), value, true);
 }
 
 int32 PLUGIN_API Note::getPitch ()
@@ -68,7 +55,8 @@ tresult PLUGIN_API Note::setValue (const char* key, const FVariant* value, IEdit
     lastContext_ = context;
     if (!key || !value)
         return kInvalidArgument;
-    changeText (key, Value::fromVariant (*value));
+    const uint32_t entry = values_.place (texts (), key);
+    change (values_, entry, texts ().hold (*value, values_.at (entry).value), true);
     return kResultOk;
 }
 
@@ -77,10 +65,10 @@ tresult PLUGIN_API Note::getValue (const char* key, FVariant* value)
     CallLog::record (Side::Host, "INoteText::getValue", name ());
     if (!key || !value)
         return kInvalidArgument;
-    auto it = values_.find (key);
-    if (it == values_.end ())
+    const Slot* held = values_.get (key);
+    if (!held)
         return kResultFalse;
-    it->second.toVariant (*value, borrowedStrings ());
+    held->toVariant (*value, borrowedStrings ());
     return kResultOk;
 }
 

@@ -20,7 +20,7 @@ public:
     void setResolveNull (bool on) { resolveNull_ = on; }
 
     // The host's texts ("lyrics", "phoneme") as the test sees them.
-    bool hasText (const std::string& key) const { return values_.count (key) != 0; }
+    bool hasText (const std::string& key) const { return values_.has (key.c_str ()); }
     std::string text (const std::string& key) const;
     void setText (const std::string& key, const std::string& utf8);
     void setRawText (const std::string& key, std::u16string text);
@@ -32,8 +32,6 @@ public:
     Steinberg::IEditAnchor* lastAnchor () const { return lastAnchor_; }
     Steinberg::IProjectEditContext* lastContext () const { return lastContext_; }
     int setValueCalls () const { return setValueCalls_; }
-
-    void restoreText (const std::string& key, const std::optional<Value>& value);
 
     // INoteEvent
     Steinberg::int32 PLUGIN_API getPitch () override;
@@ -51,11 +49,11 @@ protected:
     bool journaled () const override { return true; }
 
 private:
-    void changeText (const std::string& key, std::optional<Value> value);
+    void changeText (const std::string& key, const Slot& value);
 
     Steinberg::int32 pitch_ = 60;
     bool noteEventOn_ = true, noteTextOn_ = true, resolveNull_ = false;
-    std::map<std::string, Value> values_;
+    AttributeStore values_;
     Steinberg::IEditAnchor* lastAnchor_ = nullptr;
     Steinberg::IProjectEditContext* lastContext_ = nullptr;
     int setValueCalls_ = 0;

@@ -131,13 +131,6 @@ void Project::notifyStorage ()
     }
 }
 
-void Project::journal (Node& node, Change::Kind kind, const std::string& key, std::optional<Value> before,
-                       std::optional<Value> after)
-{
-    if (open_)
-        open_->journal.push_back ({&node, kind, key, std::move (before), std::move (after)});
-}
-
 FUnknown* PLUGIN_API Project::getContext (IProjectNode* node)
 {
     CallLog::record (Side::Host, "IHostProject::getContext", name ());

@@ -83,8 +83,14 @@ public:
     void notifyStorage ();
 
     // For nodes.
-    void journal (Node& node, Change::Kind kind, const std::string& key, std::optional<Value> before,
-                  std::optional<Value> after);
+    /** Where the texts of this project's nodes and history are kept. */
+    TextPool& texts () { return texts_; }
+    /** Adds `change` to the open edit, if there is one. */
+    void journal (const Change& change)
+    {
+        if (open_)
+            open_->journal.add (change);
+    }
     void keepRemoved (std::unique_ptr<Object> node) { removed_.push_back (std::move (node)); }
 
     // IHostProject
@@ -99,6 +105,7 @@ protected:
     bool query (const Steinberg::TUID iid, void** obj) override;
 
 private:
+    TextPool texts_;  // first: the nodes and the history point into it
     TimeContext time_;
     StepChangeSink stepChanges_;
     std::vector<std::unique_ptr<Edit>> history_;

@@ -26,6 +26,12 @@ const std::u16string& Value::asWide () const
     return isWide () ? std::get<3> (data_) : empty;
 }
 
+const std::string& Value::asNarrow () const
+{
+    static const std::string empty;
+    return isNarrow () ? std::get<4> (data_) : empty;
+}
+
 std::string Value::toString () const
 {
     switch (data_.index ())

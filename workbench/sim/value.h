@@ -30,6 +30,7 @@ public:
     int64_t asInt () const { return isInt () ? std::get<1> (data_) : 0; }
     double asFloat () const { return isFloat () ? std::get<2> (data_) : 0.0; }
     const std::u16string& asWide () const;
+    const std::string& asNarrow () const;
     /** Readable form for reports and comparisons: UTF-8 text or the number. */
     std::string toString () const;
 

@@ -1,0 +1,140 @@
+#include "workbench/sim/text_pool.h"
+
+#include "workbench/sim/text.h"
+
+#include <cstring>
+
+namespace Sim {
+
+using Steinberg::FVariant;
+
+Value Slot::value () const
+{
+    switch (type)
+    {
+        case Int: return Value (i);
+        case Float: return Value (f);
+        case Wide: return Value (*wide);
+        case Narrow: return Value::narrow (*narrow);
+        default: return {};
+    }
+}
+
+void Slot::toVariant (FVariant& out, bool borrowed) const
+{
+    out.empty ();
+    switch (type)
+    {
+        case Int: out.setInt (i); break;
+        case Float: out.setFloat (f); break;
+        case Wide:
+            if (borrowed)
+                out.setString16 (units (*wide));
+            else
+            {
+                out.setString16 (newString16 (*wide));
+                out.setOwner (true);
+            }
+            break;
+        case Narrow:
+            if (borrowed)
+                out.setString8 (narrow->c_str ());
+            else
+            {
+                auto* copy = new char[narrow->size () + 1];
+                std::memcpy (copy, narrow->c_str (), narrow->size () + 1);
+                out.setString8 (copy);
+                out.setOwner (true);
+            }
+            break;
+        default: break;
+    }
+}
+
+const std::u16string* TextPool::wide (std::u16string_view text)
+{
+    if (auto it = wide_.find (text); it != wide_.end ())
+        return it->second.get ();
+    auto owned = std::make_unique<std::u16string> (text);
+    const std::u16string* kept = owned.get ();
+    wide_.emplace (std::u16string_view (*kept), std::move (owned));
+    return kept;
+}
+
+const std::string* TextPool::narrow (std::string_view text)
+{
+    if (auto it = narrow_.find (text); it != narrow_.end ())
+        return it->second.get ();
+    auto owned = std::make_unique<std::string> (text);
+    const std::string* kept = owned.get ();
+    narrow_.emplace (std::string_view (*kept), std::move (owned));
+    return kept;
+}
+
+Slot TextPool::hold (const Value& value)
+{
+    Slot s;
+    if (value.isInt ())
+    {
+        s.type = Slot::Int;
+        s.i = value.asInt ();
+    }
+    else if (value.isFloat ())
+    {
+        s.type = Slot::Float;
+        s.f = value.asFloat ();
+    }
+    else if (value.isWide ())
+    {
+        s.type = Slot::Wide;
+        s.wide = wide (value.asWide ());
+    }
+    else if (value.isNarrow ())
+    {
+        s.type = Slot::Narrow;
+        s.narrow = narrow (value.asNarrow ());
+    }
+    else
+        s.type = Slot::Empty;
+    return s;
+}
+
+Slot TextPool::hold (const FVariant& v, const Slot& current)
+{
+    Slot s;
+    const auto type = v.type;
+    if (type & FVariant::kInteger)
+    {
+        s.type = Slot::Int;
+        s.i = static_cast<int64_t> (v.intValue);
+    }
+    else if (type & FVariant::kFloat)
+    {
+        s.type = Slot::Float;
+        s.f = v.floatValue;
+    }
+    else if (type & FVariant::kString16)
+    {
+        const std::u16string_view text =
+            v.string16 ? std::u16string_view (reinterpret_cast<const char16_t*> (v.string16)) : std::u16string_view ();
+        s.type = Slot::Wide;
+        s.wide = current.type == Slot::Wide && *current.wide == text ? current.wide : wide (text);
+    }
+    else if (type & FVariant::kString8)
+    {
+        const std::string_view text = v.string8 ? std::string_view (v.string8) : std::string_view ();
+        s.type = Slot::Narrow;
+        s.narrow = current.type == Slot::Narrow && *current.narrow == text ? current.narrow : narrow (text);
+    }
+    else
+        s.type = Slot::Empty;
+    return s;
+}
+
+TextPool& TextPool::unowned ()
+{
+    static TextPool pool;
+    return pool;
+}
+
+} // namespace Sim
