@@ -7,7 +7,7 @@ uint32_t AttributeStore::place (TextPool& pool, const char* key)
     const uint32_t i = find (key);
     if (i != kNone)
         return i;
-    entries_.push_back ({pool.narrow (key), {}});
+    entries_.push_back ({pool.narrow (key)->c_str (), {}});
     return static_cast<uint32_t> (entries_.size () - 1);
 }
 
@@ -23,7 +23,7 @@ std::map<std::string, Value> AttributeStore::values () const
     std::map<std::string, Value> out;
     for (const auto& e : entries_)
         if (e.value.present ())
-            out.emplace (*e.key, e.value.value ());
+            out.emplace (e.key, e.value.value ());
     return out;
 }
 

@@ -21,7 +21,7 @@ class AttributeStore
 public:
     struct Entry
     {
-        const std::string* key;  ///< in the pool of the node's project
+        const char* key;  ///< in the pool of the node's project
         Slot value;
         bool flagged = false;  ///< `flags` came with a setAttribute
         Steinberg::int32 flags = 0;
@@ -31,8 +31,9 @@ public:
 
     uint32_t find (const char* key) const
     {
+        // A node's keys seldom share a first letter: most misses cost no call.
         for (uint32_t i = 0; i < entries_.size (); ++i)
-            if (std::strcmp (entries_[i].key->c_str (), key) == 0)
+            if (entries_[i].key[0] == key[0] && std::strcmp (entries_[i].key, key) == 0)
                 return i;
         return kNone;
     }

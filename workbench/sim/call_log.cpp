@@ -9,12 +9,12 @@
 namespace Sim {
 namespace {
 
-// The counters are counted on every host call, millions of times in a long
-// song's life: a fixed table per side, keyed by the literal's address, found
-// without a lock or an allocation. One name may sit at several addresses (one
-// per translation unit); count() sums them.
+// Counted on every host call, millions of times in a long song's life: a fixed
+// table per side, keyed by the literal's address, found without a lock or an
+// allocation. One name may sit at several addresses (one per translation
+// unit); count() sums them.
 constexpr std::size_t kCounters = 1024;  // a power of two, far more than there are call names
-constexpr int kSides = 3;
+constexpr std::size_t kSides = 3;
 
 struct Counter
 {
@@ -22,19 +22,21 @@ struct Counter
     std::atomic<int64_t> count {0};
 };
 
-struct LogState
+// Constant-initialised: no guard to pass on the hot path.
+std::array<Counter, kCounters> counters[kSides];
+std::atomic<bool> recording {true};
+
+struct Ordered
 {
-    std::array<std::array<Counter, kCounters>, kSides> counters;
-    std::atomic<bool> recording {true};
     std::mutex mutex;  // the ordered list, and the spill-over of a full table
     std::vector<CallEntry> entries;
     std::unordered_map<const char*, int64_t> spilled[kSides];
 };
 
-LogState& state ()
+Ordered& ordered ()
 {
-    static LogState s;
-    return s;
+    static Ordered o;
+    return o;
 }
 
 std::size_t slotOf (const char* call)
@@ -43,45 +45,59 @@ std::size_t slotOf (const char* call)
     return static_cast<std::size_t> ((bits * 0x9E3779B97F4A7C15ull) >> 54) & (kCounters - 1);
 }
 
-/** The counter of `call`, claimed if new; null only when the table is full. */
-Counter* counterOf (LogState& s, Side side, const char* call)
+/** Past the first slot: probes on, claiming a free slot for a new name, or spills when the table is full. */
+[[gnu::noinline]] void countFurther (std::array<Counter, kCounters>& table, std::size_t side, const char* call, std::size_t i)
 {
-    auto& table = s.counters[static_cast<std::size_t> (side)];
-    for (std::size_t i = slotOf (call), probes = 0; probes < kCounters; ++probes, i = (i + 1) & (kCounters - 1))
+    for (std::size_t probes = 0; probes < kCounters; ++probes, i = (i + 1) & (kCounters - 1))
     {
         const char* at = table[i].call.load (std::memory_order_acquire);
         if (at == nullptr)
         {
             const char* expected = nullptr;
             if (table[i].call.compare_exchange_strong (expected, call, std::memory_order_acq_rel))
-                return &table[i];
-            at = expected;
+                at = call;
+            else
+                at = expected;
         }
         if (at == call)
-            return &table[i];
+        {
+            table[i].count.fetch_add (1, std::memory_order_relaxed);
+            return;
+        }
     }
-    return nullptr;
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    ++o.spilled[side][call];
 }
 
-void countCall (LogState& s, Side side, const char* call)
+inline void countCall (Side side, const char* call)
 {
-    if (Counter* c = counterOf (s, side, call))
-    {
-        c->count.fetch_add (1, std::memory_order_relaxed);
-        return;
-    }
-    std::lock_guard<std::mutex> lock (s.mutex);
-    ++s.spilled[static_cast<std::size_t> (side)][call];
+    const auto s = static_cast<std::size_t> (side);
+    const std::size_t i = slotOf (call);
+    Counter& c = counters[s][i];
+    if (c.call.load (std::memory_order_acquire) == call)
+        c.count.fetch_add (1, std::memory_order_relaxed);
+    else
+        countFurther (counters[s], s, call, i);
+}
+
+// Out of line: the counting path then needs no frame of its own.
+[[gnu::noinline]] void addEntry (Side side, const char* call, const std::string& object)
+{
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    o.entries.push_back ({side, call, object});
 }
 
 int64_t sideTotal (Side side)
 {
-    auto& s = state ();
+    const auto s = static_cast<std::size_t> (side);
     int64_t total = 0;
-    for (auto& c : s.counters[static_cast<std::size_t> (side)])
+    for (auto& c : counters[s])
         total += c.count.load (std::memory_order_relaxed);
-    std::lock_guard<std::mutex> lock (s.mutex);
-    for (auto& [name, n] : s.spilled[static_cast<std::size_t> (side)])
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    for (auto& [name, n] : o.spilled[s])
         total += n;
     return total;
 }
@@ -90,25 +106,21 @@ int64_t sideTotal (Side side)
 
 void CallLog::record (Side side, const char* call, const std::string& object)
 {
-    auto& s = state ();
-    countCall (s, side, call);
-    if (s.recording.load (std::memory_order_relaxed))
-    {
-        std::lock_guard<std::mutex> lock (s.mutex);
-        s.entries.push_back ({side, call, object});
-    }
+    countCall (side, call);
+    if (recording.load (std::memory_order_relaxed))
+        addEntry (side, call, object);
 }
 
 void CallLog::countOnly (Side side, const char* call)
 {
-    countCall (state (), side, call);
+    countCall (side, call);
 }
 
 std::vector<CallEntry> CallLog::entries ()
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    return s.entries;
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    return o.entries;
 }
 
 std::vector<std::string> CallLog::calls ()
@@ -161,14 +173,14 @@ std::vector<std::string> CallLog::startingWith (std::initializer_list<const char
 
 int64_t CallLog::count (const std::string& call)
 {
-    auto& s = state ();
     int64_t total = 0;
-    for (auto& table : s.counters)
+    for (auto& table : counters)
         for (auto& c : table)
             if (const char* name = c.call.load (std::memory_order_acquire); name && call == name)
                 total += c.count.load (std::memory_order_relaxed);
-    std::lock_guard<std::mutex> lock (s.mutex);
-    for (auto& spilled : s.spilled)
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    for (auto& spilled : o.spilled)
         for (auto& [name, n] : spilled)
             if (call == name)
                 total += n;
@@ -187,20 +199,20 @@ int64_t CallLog::pluginCalls ()
 
 void CallLog::clear ()
 {
-    auto& s = state ();
-    std::lock_guard<std::mutex> lock (s.mutex);
-    s.entries.clear ();
+    auto& o = ordered ();
+    std::lock_guard<std::mutex> lock (o.mutex);
+    o.entries.clear ();
     // The names stay claimed: a counter at 0 counts as none.
-    for (auto& table : s.counters)
+    for (auto& table : counters)
         for (auto& c : table)
             c.count.store (0, std::memory_order_relaxed);
-    for (auto& spilled : s.spilled)
+    for (auto& spilled : o.spilled)
         spilled.clear ();
 }
 
 void CallLog::setRecording (bool on)
 {
-    state ().recording.store (on, std::memory_order_relaxed);
+    recording.store (on, std::memory_order_relaxed);
 }
 
 } // namespace Sim

@@ -19,6 +19,14 @@ public:
     const std::vector<SVS::SVSNote>& notes () const { return notes_; }
     void clear () { notes_.clear (); }
     void add (const SVS::SVSNote& note) { notes_.push_back (note); }
+    /** Starts empty in `buffer`'s room: a synthesiser reads a list of the same length again and again. */
+    void reuse (std::vector<SVS::SVSNote> buffer)
+    {
+        buffer.clear ();
+        notes_ = std::move (buffer);
+    }
+    /** What was added, taken out of the list. */
+    std::vector<SVS::SVSNote> take () { return std::move (notes_); }
 
     Steinberg::int32 PLUGIN_API getNoteCount () override;
     Steinberg::int32 PLUGIN_API size () override;

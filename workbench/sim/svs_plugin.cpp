@@ -21,9 +21,11 @@ bool SvsPlugin::readSequence ()
     if (!storage)
         return false;
     NoteList list (name () + " sequence");
+    list.reuse (std::move (spare_));
     storage->readSequence (&list);
     storage->release ();
-    notes_ = list.notes ();
+    spare_ = std::move (notes_);
+    notes_ = list.take ();
     ++sequenceReads_;
     return true;
 }

@@ -83,6 +83,7 @@ private:
     bool readsBack_ = true, stayDetached_ = false;
     Steinberg::int32 attached_ = 1;
     std::vector<SVS::SVSNote> notes_;
+    std::vector<SVS::SVSNote> spare_;  ///< the list before, its room reused by the next read
     std::string title_;
     int setHostCalls_ = 0, attachCalls_ = 0, titleChangedCalls_ = 0, sequenceChangedCalls_ = 0,
         sequenceReads_ = 0;
