@@ -2,7 +2,6 @@
 
 #include "workbench/sim/attribute_store.h"
 
-#include <algorithm>
 
 namespace Sim {
 
@@ -50,19 +49,6 @@ tresult PLUGIN_API StepChangeSink::markChanged (IHostProject* project)
 bool StepChangeSink::query (const TUID iid, void** obj)
 {
     return offerUnknown (iid, obj, static_cast<IStepChangeSink*> (this));
-}
-
-void Journal::add (const Change& change)
-{
-    if (blocks_.empty () || blocks_.back ().size () == blocks_.back ().capacity ())
-    {
-        // Small for a typed word, up to 64 KiB blocks for a pass that writes back every note.
-        const std::size_t capacity = std::min<std::size_t> (std::max<std::size_t> (size_, 16), 1365);
-        blocks_.emplace_back ();
-        blocks_.back ().reserve (capacity);
-    }
-    blocks_.back ().push_back (change);
-    ++size_;
 }
 
 void Edit::revert () const

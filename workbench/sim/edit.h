@@ -2,60 +2,17 @@
 // changed, and the steps the agent entered.
 #pragma once
 
+#include "workbench/sim/journal.h"
 #include "workbench/sim/object.h"
-#include "workbench/sim/text_pool.h"
 
 #include "host/edit_step_interfaces.h"
 #include "host/project_interfaces.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace Sim {
-
-class AttributeStore;
-
-/** One journaled change: a note text or a node attribute, before and after. */
-struct Change
-{
-    AttributeStore* store;  ///< the node's attributes or the note's texts
-    uint32_t entry;         ///< the key's place in the store
-    Slot before;            ///< absent: the key was absent
-    Slot after;
-};
-
-/**
- * The changes of one edit in order. Kept in blocks, so that growing it never
- * copies what it holds; a long song's history holds millions of changes.
- */
-class Journal
-{
-public:
-    void add (const Change& change);
-    bool empty () const { return size_ == 0; }
-    std::size_t size () const { return size_; }
-
-    template <class F>
-    void forwards (F&& f) const
-    {
-        for (const auto& block : blocks_)
-            for (const Change& c : block)
-                f (c);
-    }
-    template <class F>
-    void backwards (F&& f) const
-    {
-        for (auto b = blocks_.rbegin (); b != blocks_.rend (); ++b)
-            for (auto c = b->rbegin (); c != b->rend (); ++c)
-                f (*c);
-    }
-
-private:
-    std::vector<std::vector<Change>> blocks_;
-    std::size_t size_ = 0;
-};
 
 /**
  * What the agent sees of an edit. The steps it adds belong to the agent: we

@@ -27,6 +27,9 @@ EditContext& Project::beginEdit (const std::string& name)
         endEdit ();
     open_ = std::make_unique<Edit> ();
     open_->name = name;
+    // The edit before is the likeliest to have journaled the same changes.
+    if (cursor_ > 0)
+        open_->journal = Journal (&history_[cursor_ - 1]->journal);
     open_->context = std::make_unique<EditContext> (name);
     return *open_->context;
 }
@@ -36,6 +39,7 @@ void Project::endEdit ()
     if (!open_)
         return;
     std::unique_ptr<Edit> edit = std::move (open_);
+    edit->journal.close ();
     if (edit->journal.empty () && edit->context->steps ().empty ())
         return;
     // A new edit makes the undone ones unreachable.

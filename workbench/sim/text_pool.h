@@ -8,7 +8,9 @@
 
 #include "pluginterfaces/base/fvariant.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,7 +31,6 @@ struct Slot
         Narrow,
     };
 
-    Type type = Absent;
     union
     {
         int64_t i = 0;
@@ -37,11 +38,19 @@ struct Slot
         const std::u16string* wide;
         const std::string* narrow;
     };
+    Type type = Absent;
 
     bool present () const { return type != Absent; }
-    /** Texts of one pool are the same text exactly when they are the same pointer. */
-    bool operator== (const Slot& o) const { return type == o.type && (type <= Empty || i == o.i); }
+    /** Texts of one pool are the same text exactly when they are the same pointer; numbers compare by their bits. */
+    bool operator== (const Slot& o) const { return type == o.type && (type <= Empty || bits () == o.bits ()); }
     bool operator!= (const Slot& o) const { return !(*this == o); }
+
+    uint64_t bits () const
+    {
+        uint64_t b;
+        std::memcpy (&b, this, sizeof b);  // the payload leads: see the static_assert below
+        return b;
+    }
 
     /** The held value on its own; an absent slot gives an empty value. */
     Value value () const;
@@ -51,6 +60,8 @@ struct Slot
      */
     void toVariant (Steinberg::FVariant& out, bool borrowed) const;
 };
+
+static_assert (offsetof (Slot, i) == 0 && sizeof (Slot::i) == 8, "a slot's payload comes first");
 
 class TextPool
 {
