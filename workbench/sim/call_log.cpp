@@ -1,6 +1,6 @@
 #include "workbench/sim/call_log.h"
 
-#include <array>
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <mutex>
@@ -9,34 +9,88 @@
 namespace Sim {
 namespace {
 
-// Counted on every host call, millions of times in a long song's life: a fixed
-// table per side, keyed by the literal's address, found without a lock or an
-// allocation. One name may sit at several addresses (one per translation
-// unit); count() sums them.
+// Counted on every host call, millions of times in a long song's life. Each
+// thread counts into tables of its own, keyed by the literal's address: no
+// lock, no locked instruction, no allocation. Readers sum every thread's
+// tables under the registry's mutex. One name may sit at several addresses
+// (one per translation unit); count() sums them.
 constexpr std::size_t kCounters = 1024;  // a power of two, far more than there are call names
 constexpr std::size_t kSides = 3;
 
 struct Counter
 {
-    std::atomic<const char*> call {nullptr};
-    std::atomic<int64_t> count {0};
+    std::atomic<const char*> call {nullptr};  ///< set by the owning thread only
+    std::atomic<int64_t> count {0};           ///< written by the owning thread only
+    std::atomic<int64_t> cleared {0};         ///< `count` at the last clear(), written under the mutex
 };
 
-// Constant-initialised: no guard to pass on the hot path.
-std::array<Counter, kCounters> counters[kSides];
-std::atomic<bool> recording {true};
-
-struct Ordered
+struct Tables
 {
-    std::mutex mutex;  // the ordered list, and the spill-over of a full table
+    Counter counters[kSides][kCounters];
+};
+
+struct Registry
+{
+    std::mutex mutex;
+    std::vector<Tables*> inUse;
+    std::vector<Tables*> spare;  ///< of threads that ended, for the next thread
+    /** Counts of threads that ended, and of calls that found their thread's table full. */
+    std::unordered_map<const char*, int64_t> settled[kSides];
     std::vector<CallEntry> entries;
-    std::unordered_map<const char*, int64_t> spilled[kSides];
 };
 
-Ordered& ordered ()
+Registry& registry ()
 {
-    static Ordered o;
-    return o;
+    // Never destroyed: threads that end during exit still settle their counts.
+    static Registry* r = new Registry;
+    return *r;
+}
+
+std::atomic<bool> recording {true};
+thread_local Tables* mine = nullptr;
+
+/** Settles the thread's counts when it ends and hands its tables on. */
+struct Leaving
+{
+    ~Leaving ()
+    {
+        if (!mine)
+            return;
+        auto& r = registry ();
+        std::lock_guard<std::mutex> lock (r.mutex);
+        for (std::size_t side = 0; side < kSides; ++side)
+            for (auto& c : mine->counters[side])
+            {
+                if (const char* call = c.call.load (std::memory_order_relaxed))
+                    r.settled[side][call] += c.count.load (std::memory_order_relaxed)
+                                             - c.cleared.load (std::memory_order_relaxed);
+                c.call.store (nullptr, std::memory_order_relaxed);
+                c.count.store (0, std::memory_order_relaxed);
+                c.cleared.store (0, std::memory_order_relaxed);
+            }
+        r.inUse.erase (std::find (r.inUse.begin (), r.inUse.end (), mine));
+        r.spare.push_back (mine);
+        mine = nullptr;
+    }
+};
+thread_local Leaving leaving;
+
+[[gnu::noinline]] Tables* join ()
+{
+    auto& r = registry ();
+    {
+        std::lock_guard<std::mutex> lock (r.mutex);
+        if (r.spare.empty ())
+            mine = new Tables;
+        else
+        {
+            mine = r.spare.back ();
+            r.spare.pop_back ();
+        }
+        r.inUse.push_back (mine);
+    }
+    (void) &leaving;  // its first use arranges for its end
+    return mine;
 }
 
 std::size_t slotOf (const char* call)
@@ -45,59 +99,69 @@ std::size_t slotOf (const char* call)
     return static_cast<std::size_t> ((bits * 0x9E3779B97F4A7C15ull) >> 54) & (kCounters - 1);
 }
 
-/** Past the first slot: probes on, claiming a free slot for a new name, or spills when the table is full. */
-[[gnu::noinline]] void countFurther (std::array<Counter, kCounters>& table, std::size_t side, const char* call, std::size_t i)
+void bump (Counter& c)
+{
+    // Only this thread writes it: a plain increment that readers may load at any time.
+    c.count.store (c.count.load (std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
+/** Past the first slot: probes on, claiming a free slot for a new name, or settles at once when full. */
+[[gnu::noinline]] void countFurther (Counter* table, std::size_t side, const char* call, std::size_t i)
 {
     for (std::size_t probes = 0; probes < kCounters; ++probes, i = (i + 1) & (kCounters - 1))
     {
-        const char* at = table[i].call.load (std::memory_order_acquire);
+        const char* at = table[i].call.load (std::memory_order_relaxed);
         if (at == nullptr)
         {
-            const char* expected = nullptr;
-            if (table[i].call.compare_exchange_strong (expected, call, std::memory_order_acq_rel))
-                at = call;
-            else
-                at = expected;
+            table[i].call.store (call, std::memory_order_release);
+            at = call;
         }
         if (at == call)
         {
-            table[i].count.fetch_add (1, std::memory_order_relaxed);
+            bump (table[i]);
             return;
         }
     }
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    ++o.spilled[side][call];
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
+    ++r.settled[side][call];
 }
 
 inline void countCall (Side side, const char* call)
 {
+    Tables* t = mine ? mine : join ();
     const auto s = static_cast<std::size_t> (side);
     const std::size_t i = slotOf (call);
-    Counter& c = counters[s][i];
-    if (c.call.load (std::memory_order_acquire) == call)
-        c.count.fetch_add (1, std::memory_order_relaxed);
+    Counter& c = t->counters[s][i];
+    if (c.call.load (std::memory_order_relaxed) == call)
+        bump (c);
     else
-        countFurther (counters[s], s, call, i);
+        countFurther (t->counters[s], s, call, i);
+}
+
+int64_t since (const Counter& c)
+{
+    return c.count.load (std::memory_order_relaxed) - c.cleared.load (std::memory_order_relaxed);
 }
 
 // Out of line: the counting path then needs no frame of its own.
 [[gnu::noinline]] void addEntry (Side side, const char* call, const std::string& object)
 {
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    o.entries.push_back ({side, call, object});
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
+    r.entries.push_back ({side, call, object});
 }
 
 int64_t sideTotal (Side side)
 {
     const auto s = static_cast<std::size_t> (side);
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
     int64_t total = 0;
-    for (auto& c : counters[s])
-        total += c.count.load (std::memory_order_relaxed);
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    for (auto& [name, n] : o.spilled[s])
+    for (Tables* t : r.inUse)
+        for (auto& c : t->counters[s])
+            total += since (c);
+    for (auto& [name, n] : r.settled[s])
         total += n;
     return total;
 }
@@ -118,9 +182,9 @@ void CallLog::countOnly (Side side, const char* call)
 
 std::vector<CallEntry> CallLog::entries ()
 {
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    return o.entries;
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
+    return r.entries;
 }
 
 std::vector<std::string> CallLog::calls ()
@@ -173,15 +237,16 @@ std::vector<std::string> CallLog::startingWith (std::initializer_list<const char
 
 int64_t CallLog::count (const std::string& call)
 {
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
     int64_t total = 0;
-    for (auto& table : counters)
-        for (auto& c : table)
-            if (const char* name = c.call.load (std::memory_order_acquire); name && call == name)
-                total += c.count.load (std::memory_order_relaxed);
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    for (auto& spilled : o.spilled)
-        for (auto& [name, n] : spilled)
+    for (Tables* t : r.inUse)
+        for (auto& table : t->counters)
+            for (auto& c : table)
+                if (const char* name = c.call.load (std::memory_order_acquire); name && call == name)
+                    total += since (c);
+    for (auto& settled : r.settled)
+        for (auto& [name, n] : settled)
             if (call == name)
                 total += n;
     return total;
@@ -199,15 +264,16 @@ int64_t CallLog::pluginCalls ()
 
 void CallLog::clear ()
 {
-    auto& o = ordered ();
-    std::lock_guard<std::mutex> lock (o.mutex);
-    o.entries.clear ();
-    // The names stay claimed: a counter at 0 counts as none.
-    for (auto& table : counters)
-        for (auto& c : table)
-            c.count.store (0, std::memory_order_relaxed);
-    for (auto& spilled : o.spilled)
-        spilled.clear ();
+    auto& r = registry ();
+    std::lock_guard<std::mutex> lock (r.mutex);
+    r.entries.clear ();
+    // Other threads may be counting: what they had so far is set aside, not overwritten.
+    for (Tables* t : r.inUse)
+        for (auto& table : t->counters)
+            for (auto& c : table)
+                c.cleared.store (c.count.load (std::memory_order_relaxed), std::memory_order_relaxed);
+    for (auto& settled : r.settled)
+        settled.clear ();
 }
 
 void CallLog::setRecording (bool on)
