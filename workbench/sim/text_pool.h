@@ -75,8 +75,9 @@ public:
 
     Slot hold (const Value& value);
     /**
-     * What a host keeps of a variant, as Value::fromVariant reads it; a text
-     * equal to `current`'s is taken from it without a look-up.
+     * What a host keeps of a variant: its integer, float, wide or narrow text
+     * (a null text as an empty one), tried in that order, else an empty
+     * value. A text equal to `current`'s is taken from it without a look-up.
      */
     Slot hold (const Steinberg::FVariant& v, const Slot& current);
 

@@ -1,7 +1,5 @@
-// A stored attribute value and its passage through the SDK's variant.
+// An attribute value or a note text on its own, as tests write and read them.
 #pragma once
-
-#include "pluginterfaces/base/fvariant.h"
 
 #include <cstdint>
 #include <string>
@@ -33,18 +31,6 @@ public:
     const std::string& asNarrow () const;
     /** Readable form for reports and comparisons: UTF-8 text or the number. */
     std::string toString () const;
-
-    /**
-     * Copies what the variant holds; strings are copied whatever their owner
-     * flag says, since the caller keeps its buffer. An object or empty variant
-     * yields an empty value.
-     */
-    static Value fromVariant (const Steinberg::FVariant& v);
-    /**
-     * Fills `out` as a host does: strings go out as new[] copies with the owner
-     * flag, or, when `borrowed`, as a pointer into `*this` without it.
-     */
-    void toVariant (Steinberg::FVariant& out, bool borrowed) const;
 
     bool operator== (const Value& other) const { return data_ == other.data_; }
     bool operator!= (const Value& other) const { return !(*this == other); }
