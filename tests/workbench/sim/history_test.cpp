@@ -71,6 +71,19 @@ protected:
             open->push_back ({{n, key}, before, to});
     }
 
+    /** The newest edit's journal, each change as "before>after", beside the model's. */
+    void expectJournalled (const std::string& when)
+    {
+        auto text = [] (const Sim::Slot& s) { return s.present () ? s.value ().toString () : std::string ("-"); };
+        auto text2 = [] (const std::optional<std::string>& s) { return s ? *s : std::string ("-"); };
+        std::vector<std::string> host, plain;
+        project.historyEntry (project.historySize () - 1)->journal.forwards (
+            [&] (const Sim::Change& c) { host.push_back (text (c.before) + ">" + text (c.after)); });
+        for (const auto& r : model.history.back ())
+            plain.push_back (text2 (r.before) + ">" + text2 (r.after));
+        ASSERT_EQ (host, plain) << when;
+    }
+
     void expectSame (const std::string& when)
     {
         for (const auto& [key, value] : model.state)
@@ -115,6 +128,7 @@ TEST_F (HistoryTest, WholeWriteBacksUndoAndRedoAsAPlainJournalWould)
             project.endEdit ();
             model.cursor = model.history.size ();
             shared += project.historyEntry (project.historySize () - 1)->journal.sharedBlocks ();
+            expectJournalled ("edit at step " + std::to_string (step));
         }
         else if (what == 6)
             write (static_cast<int> (random () % kNotes), "lyrics", word ());  // outside any edit
