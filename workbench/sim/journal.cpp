@@ -14,45 +14,46 @@ constexpr std::size_t kLargestBlock = 256;
 
 Journal::Journal (const Journal* base)
 {
-    if (base)
+    if (base && !base->blocks_.empty ())
+    {
         base_ = base->blocks_;
+        mirror_ = base_.front ()->data ();
+        mirrorSize_ = base_.front ()->size ();
+    }
 }
 
 void Journal::keep (std::shared_ptr<const Block> block)
 {
     blocks_.push_back (std::move (block));
+    matched_ = 0;
+    const std::size_t next = blocks_.size ();
+    mirror_ = next < base_.size () ? base_[next]->data () : nullptr;
+    mirrorSize_ = next < base_.size () ? base_[next]->size () : 0;
 }
 
-void Journal::add (const Change& change)
+void Journal::shareMirror ()
 {
-    ++size_;
-    const std::size_t next = blocks_.size ();
+    ++shared_;
+    keep (base_[blocks_.size ()]);
+}
+
+void Journal::addOwn (const Change& change)
+{
     if (!filling_)
     {
-        if (next < base_.size ())
+        filling_ = std::make_shared<Block> ();
+        if (mirror_)
         {
-            const Block& mirror = *base_[next];
-            if (mirror[matched_] == change)
-            {
-                if (++matched_ == mirror.size ())
-                {
-                    keep (base_[next]);
-                    ++shared_;
-                    matched_ = 0;
-                }
-                return;
-            }
             // Our own from here to the end of the base's block, so that the blocks after stay in step.
-            limit_ = mirror.size ();
-            filling_ = std::make_shared<Block> ();
+            limit_ = mirrorSize_;
             filling_->reserve (limit_);
-            filling_->assign (mirror.begin (), mirror.begin () + static_cast<std::ptrdiff_t> (matched_));
+            filling_->assign (mirror_, mirror_ + matched_);
+            mirror_ = nullptr;
             matched_ = 0;
         }
         else
         {
             limit_ = std::clamp (size_ - 1, kFirstBlock, kLargestBlock);
-            filling_ = std::make_shared<Block> ();
             filling_->reserve (limit_);
         }
     }
@@ -66,12 +67,9 @@ void Journal::close ()
     if (filling_)
         keep (std::move (filling_));
     else if (matched_ > 0)
-    {
-        const Block& mirror = *base_[blocks_.size ()];
-        keep (std::make_shared<const Block> (mirror.begin (), mirror.begin () + static_cast<std::ptrdiff_t> (matched_)));
-        matched_ = 0;
-    }
+        keep (std::make_shared<const Block> (mirror_, mirror_ + matched_));
     base_.clear ();
+    mirror_ = nullptr;
 }
 
 } // namespace Sim

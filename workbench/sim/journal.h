@@ -42,7 +42,18 @@ public:
     /** `base`'s blocks are shared where this journal repeats them; `base` may go before this one. */
     explicit Journal (const Journal* base);
 
-    void add (const Change& change);
+    void add (const Change& change)
+    {
+        ++size_;
+        // The common case: the same change as the base's at this place.
+        if (mirror_ && mirror_[matched_] == change)
+        {
+            if (++matched_ == mirrorSize_)
+                shareMirror ();
+            return;
+        }
+        addOwn (change);
+    }
     /** Ends the recording: keeps what was still being compared or filled. Before any reading. */
     void close ();
 
@@ -68,13 +79,18 @@ public:
     }
 
 private:
+    void addOwn (const Change& change);
+    void shareMirror ();
+    /** Adds a finished block and looks at the base's block at the same place next. */
     void keep (std::shared_ptr<const Block> block);
 
     std::vector<std::shared_ptr<const Block>> base_;
     std::vector<std::shared_ptr<const Block>> blocks_;  ///< done
+    const Change* mirror_ = nullptr;  ///< the base's block at the place of the next, while it is matched
+    std::size_t mirrorSize_ = 0;
+    std::size_t matched_ = 0;         ///< changes of `mirror_` repeated so far
     std::shared_ptr<Block> filling_;  ///< our own block under way, or null
     std::size_t limit_ = 0;           ///< how many changes `filling_` takes
-    std::size_t matched_ = 0;         ///< changes that repeat the base's next block, so far
     std::size_t size_ = 0;
     std::size_t shared_ = 0;
 };

@@ -8,6 +8,30 @@ namespace Sim {
 
 using Steinberg::FVariant;
 
+namespace {
+
+/**
+ * Whether the zero-terminated `text` is `held`, unit for unit, found in one
+ * walk; `length` is the text's length either way.
+ */
+bool sameText (const char16_t* text, const std::u16string& held, std::size_t& length)
+{
+    const char16_t* t = text;
+    const char16_t* h = held.c_str ();
+    while (*t != 0 && *t == *h)
+    {
+        ++t;
+        ++h;
+    }
+    length = static_cast<std::size_t> (t - text);
+    if (*t == 0)
+        return length == held.size ();
+    length += std::char_traits<char16_t>::length (t);
+    return false;
+}
+
+} // namespace
+
 Value Slot::value () const
 {
     switch (type)
@@ -115,10 +139,13 @@ Slot TextPool::hold (const FVariant& v, const Slot& current)
     }
     else if (type & FVariant::kString16)
     {
-        const std::u16string_view text =
-            v.string16 ? std::u16string_view (reinterpret_cast<const char16_t*> (v.string16)) : std::u16string_view ();
+        const char16_t* text = v.string16 ? reinterpret_cast<const char16_t*> (v.string16) : u"";
         s.type = Slot::Wide;
-        s.wide = current.type == Slot::Wide && *current.wide == text ? current.wide : wide (text);
+        std::size_t length = 0;
+        if (current.type != Slot::Wide)
+            s.wide = wide (text);
+        else
+            s.wide = sameText (text, *current.wide, length) ? current.wide : wide ({text, length});
     }
     else if (type & FVariant::kString8)
     {
