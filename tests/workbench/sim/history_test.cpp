@@ -96,7 +96,7 @@ TEST_F (HistoryTest, WholeWriteBacksUndoAndRedoAsAPlainJournalWould)
     constexpr int kNotes = 120;
     for (int i = 0; i < kNotes; ++i)
         notes.push_back (&part.addNote (i * 0.5, i * 0.5 + 0.5, 60));
-    const char* words[] = {"ka", "ki", "ra", "to-", "morrow", "la[l aa]"};
+    const char* words[] = {"ka", "kat", "to-", "to-morrow", "la[l aa]", "la"};  // "ka" starts "kat": a shorter text over a longer one
     std::mt19937 random (22);
     auto chance = [&] (int percent) { return static_cast<int> (random () % 100) < percent; };
     auto word = [&] { return std::string (words[random () % 6]); };
