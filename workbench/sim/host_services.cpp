@@ -1,11 +1,14 @@
 #include "workbench/sim/host_services.h"
 
+#include "workbench/sim/heap.h"
+
 namespace Sim {
 
 using namespace Steinberg;
 
 HostServices::HostServices () : Object ("HostServices", "services", Side::Host)
 {
+    keepHeap ();
     setProductInfoReserve (1);
 }
 
