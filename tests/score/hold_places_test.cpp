@@ -50,7 +50,8 @@ TEST (HoldPlaces, EveryWordGetsThePlacesThatTryingEachPlaceFinds)
     std::vector<std::string> words = {
         "lantern", "window", "wonderful", "carry", "tonight", "zendravo", "singing", "idea", "fire", "hour",
         "lalalalalalalalalalalalala", "hello-world", "don't", "(oh)", "a.b", "Mary's", "o-o-oh", "さくら", "きゃりー",
-        "かあさん", "ラーメン", "laきゃla", "ab0", "la la", "ぁぃ", "éclair", "naïve", "sky-", "-sky", "ahー", "ky,oto"};
+        "かあさん", "ラーメン", "laきゃla", "ab0", "la la", "ぁぃ", "éclair", "naïve", "sky-", "-sky", "ahー", "ky,oto", "おきゃく", "かきゅう",
+        "とうきょう", "にゃんにゃん", "しゅくしょう", "ときょ"};
     // Pieces a random word is made of: letters, syllables, punctuation the
     // converter strips, hyphens, blanks, kana that pair, long-vowel marks, and
     // letters outside ASCII.
