@@ -6,22 +6,12 @@
 #include "phoneme/phoneme_inventory.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace Score {
 
 namespace {
 
 using Elements = std::vector<std::string>;
-
-std::vector<std::string> tokens (const std::string& element)
-{
-    std::istringstream in (element);
-    std::vector<std::string> out;
-    for (std::string t; in >> t;)
-        out.push_back (t);
-    return out;
-}
 
 bool isHold (const std::string& element)
 {
@@ -130,7 +120,7 @@ bool sungSyllables (const Elements& elements, std::vector<SungSyllable>& out)
     bool endsOnNucleus = false;
     for (const auto& e : elements)
     {
-        auto parts = tokens (e);
+        auto parts = soundTokens (e);
         if (e.empty () || e[0] != '-')
         {
             endsOnNucleus = !parts.empty () && Zelmor::findNucleus (parts) + 1 == parts.size ();
@@ -164,14 +154,34 @@ bool gainedHolds (const Elements& elements, const std::vector<SungSyllable>& bas
     return true;
 }
 
-Elements convertText (const std::string& text)
+std::vector<std::string> soundTokens (const std::string& element)
+{
+    // The blanks of the C locale, as a stream would split at them, without a stream's cost.
+    auto blank = [] (char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    std::vector<std::string> out;
+    for (std::size_t i = 0; i < element.size ();)
+    {
+        if (blank (element[i]))
+        {
+            ++i;
+            continue;
+        }
+        const std::size_t start = i;
+        while (i < element.size () && !blank (element[i]))
+            ++i;
+        out.push_back (element.substr (start, i - start));
+    }
+    return out;
+}
+
+Elements convertText (const std::string& text, Zelmor::LyricLayout* layout)
 {
     const auto* dictionary = Zelmor::dictionaryHolderMap ();
     if (!dictionary)
         return {};
     try
     {
-        return Zelmor::convertLyric (text, *dictionary);
+        return layout ? Zelmor::convertLyric (text, *dictionary, *layout) : Zelmor::convertLyric (text, *dictionary);
     }
     catch (const std::exception&)
     {
@@ -179,23 +189,13 @@ Elements convertText (const std::string& text)
     }
 }
 
-std::vector<HoldPlace> holdPlaces (const std::string& text, const std::vector<SungSyllable>& base,
+std::vector<HoldPlace> holdPlaces (const std::string& text, const Zelmor::LyricLayout& layout,
+                                   const std::vector<std::string>& elements, const std::vector<SungSyllable>& sung,
                                    const std::vector<std::size_t>& target, bool withLongMarks)
 {
-    std::vector<HoldPlace> reach (base.size ());
+    std::vector<HoldPlace> reach (sung.size ());
     const auto* dictionary = Zelmor::dictionaryHolderMap ();
-    Zelmor::LyricLayout layout;
-    Elements elements;
-    try
-    {
-        if (dictionary)
-            elements = Zelmor::convertLyric (text, *dictionary, layout);
-    }
-    catch (const std::exception&)
-    {
-    }
-    std::vector<SungSyllable> sung;
-    if (!dictionary || !sungSyllables (elements, sung) || sung.size () != base.size ())
+    if (!dictionary)
         return reach;
     const Trials trials (elements, sung);
     auto distance = [] (std::size_t a, std::size_t b) { return a > b ? a - b : b - a; };

@@ -2,6 +2,8 @@
 // converter sings the word: the places the typing rule chooses from.
 #pragma once
 
+#include "phoneme/lyric_converter.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -23,8 +25,11 @@ bool sungSyllables (const std::vector<std::string>& elements, std::vector<SungSy
 bool gainedHolds (const std::vector<std::string>& elements, const std::vector<SungSyllable>& base,
                   std::vector<int>& gained);
 
-/** The converter's elements for a text; none when there is no dictionary or the text is not UTF-8. */
-std::vector<std::string> convertText (const std::string& text);
+/** The converter's elements for a text (and where each came from, into `layout` if given); none when there is no dictionary or the text is not UTF-8. */
+std::vector<std::string> convertText (const std::string& text, Zelmor::LyricLayout* layout = nullptr);
+
+/** The sounds of one element, split at blanks. */
+std::vector<std::string> soundTokens (const std::string& element);
 
 const char* const hyphen = "-";
 const char* const longMark = "\xE3\x83\xBC";  ///< katakana long-vowel mark: holds kana and open vowels
@@ -37,12 +42,14 @@ struct HoldPlace
 };
 
 /**
- * For each syllable of `text` (sung as `base`), the place of one more mark
+ * For each syllable of `text` (converted into `elements`, laid out in
+ * `layout`, sung as `sung`), the place of one more mark
  * that holds it and nothing else: a hyphen if any place takes one, else a
  * long-vowel mark (when `withLongMarks`); of several, the one nearest
  * `target[j]`, the later on a tie.
  */
-std::vector<HoldPlace> holdPlaces (const std::string& text, const std::vector<SungSyllable>& base,
+std::vector<HoldPlace> holdPlaces (const std::string& text, const Zelmor::LyricLayout& layout,
+                                   const std::vector<std::string>& elements, const std::vector<SungSyllable>& sung,
                                    const std::vector<std::size_t>& target, bool withLongMarks);
 
 } // namespace Score

@@ -7,22 +7,12 @@
 
 #include <algorithm>
 #include <optional>
-#include <sstream>
 
 namespace Score {
 
 namespace {
 
 using Elements = std::vector<std::string>;
-
-std::vector<std::string> tokens (const std::string& element)
-{
-    std::istringstream in (element);
-    std::vector<std::string> out;
-    for (std::string t; in >> t;)
-        out.push_back (t);
-    return out;
-}
 
 constexpr std::size_t longestWord = 256;  // bytes
 
@@ -33,11 +23,12 @@ constexpr std::size_t longestWord = 256;  // bytes
  * one nearest `target[j]` wins. A syllable that no place reaches passes its
  * holds to the nearest one that can take them, earlier first.
  */
-std::string placeHolds (const std::string& text, const std::vector<SungSyllable>& base, const std::vector<int>& wanted,
+std::string placeHolds (const std::string& text, const Zelmor::LyricLayout& layout, const Elements& elements,
+                        const std::vector<SungSyllable>& base, const std::vector<int>& wanted,
                         const std::vector<std::size_t>& target, bool withLongMarks)
 {
     const std::size_t k = base.size ();
-    const auto reach = holdPlaces (text, base, target, withLongMarks);
+    const auto reach = holdPlaces (text, layout, elements, base, target, withLongMarks);
     std::vector<int> gained;
     std::vector<int> placed (k, 0);
     for (std::size_t j = 0; j < k; ++j)
@@ -100,7 +91,8 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
     // word (a karaoke song without blanks) is typed as it stands.
     if (text.size () > longestWord)
         return text;
-    const Elements base = convertText (text);
+    Zelmor::LyricLayout layout;
+    const Elements base = convertText (text, &layout);
     std::vector<SungSyllable> sung;
     if (!sungSyllables (base, sung) || sung.empty ())
         return text;
@@ -127,7 +119,7 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
     // kana and letters; hyphens alone never do.
     for (const bool withLongMarks : {true, false})
     {
-        const std::string typed = placeHolds (text, sung, wanted, target, withLongMarks);
+        const std::string typed = placeHolds (text, layout, base, sung, wanted, target, withLongMarks);
         if (!typed.empty ())
             return typed;
     }
@@ -159,7 +151,7 @@ std::vector<std::string> typeElided (const std::string& text, std::size_t holds)
     for (const auto& element : convertText (spaced))
     {
         std::vector<std::string> parts;
-        for (const auto& token : tokens (element))
+        for (const auto& token : soundTokens (element))
             if (token != "-")
                 parts.push_back (token);
         if (parts.empty ())

@@ -68,8 +68,10 @@ TEST (HoldPlaces, EveryWordGetsThePlacesThatTryingEachPlaceFinds)
     int compared = 0;
     for (const auto& text : words)
     {
+        Zelmor::LyricLayout layout;
+        const auto elements = Score::convertText (text, &layout);
         std::vector<Score::SungSyllable> base;
-        if (!Score::sungSyllables (Score::convertText (text), base) || base.empty ())
+        if (!Score::sungSyllables (elements, base) || base.empty ())
             continue;
         std::vector<std::size_t> target (base.size ());
         for (auto& t : target)
@@ -77,7 +79,7 @@ TEST (HoldPlaces, EveryWordGetsThePlacesThatTryingEachPlaceFinds)
         for (const bool withLongMarks : {true, false})
         {
             const auto want = triedPlaces (text, base, target, withLongMarks);
-            const auto got = Score::holdPlaces (text, base, target, withLongMarks);
+            const auto got = Score::holdPlaces (text, layout, elements, base, target, withLongMarks);
             ASSERT_EQ (got.size (), want.size ()) << text;
             for (std::size_t j = 0; j < want.size (); ++j)
             {
