@@ -242,11 +242,11 @@ std::vector<std::string> convertText(const std::string& lyric, const Pronouncing
             const char* pair = (a && b) ? findKanaDigraph(a, b) : nullptr;
             if (pair) {
                 role(i, LyricLayout::PairFirst);
+                role(i + 1, LyricLayout::PairSecond);
+                if (layout)
+                    layout->arrival[static_cast<size_t>(i) + 1] = result.size();
                 // An open word takes the first kana of the pair with it.
                 ++i;
-                role(i, LyricLayout::PairSecond);
-                if (layout)
-                    layout->arrival[static_cast<size_t>(i)] = result.size();
                 closeWord(i);
                 result.emplace_back(pair);
                 continue;
