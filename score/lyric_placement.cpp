@@ -23,6 +23,10 @@ struct NoteStart
 std::vector<NoteStart> noteStarts (const std::vector<MidiVoice>& voices)
 {
     std::vector<NoteStart> starts;
+    std::size_t count = 0;
+    for (const auto& v : voices)
+        count += v.notes.size ();
+    starts.reserve (count);  // a long song's growing copies would take twice the list at their peak
     for (std::size_t v = 0; v < voices.size (); ++v)
         for (const auto& n : voices[v].notes)
             starts.push_back ({n.startTick, static_cast<int> (v)});
@@ -168,6 +172,10 @@ void placeLyrics (std::vector<MidiVoice>& voices, const std::vector<TrackLyrics>
         std::size_t words;  // index into `words`
     };
     std::vector<Lyric> lyrics;
+    std::size_t count = 0;
+    for (const auto& w : words)
+        count += w.syllables.size ();
+    lyrics.reserve (count);
     for (std::size_t w = 0; w < words.size (); ++w)
         for (const auto& s : words[w].syllables)
             lyrics.push_back ({s.tick, &s.syllable, w});

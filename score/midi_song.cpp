@@ -209,7 +209,15 @@ private:
 
 } // namespace
 
-bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const ReadOptions& options)
+namespace {
+
+/**
+ * The song of `file`. With `owned` (the same file, which the caller gives up)
+ * each track's events are let go as soon as its notes and texts are taken:
+ * a long file's events take more memory than its song. Texts and words go
+ * as soon as they are placed.
+ */
+bool readSong (const MidiFile& file, MidiFile* owned, Song& out, std::string& error, const ReadOptions& options)
 {
     out = Song {};
     Clock clock (file, out.tempi, out.meters);
@@ -226,6 +234,14 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         std::string name;
         std::uint64_t trackEnd = 0;
         std::map<int, std::vector<const MidiEvent*>> byChannel;
+        std::size_t lyricCount = 0, textCount = 0;
+        for (const MidiEvent& e : t.events)
+        {
+            lyricCount += e.kind == MidiEvent::Lyric;
+            textCount += e.kind == MidiEvent::Text;
+        }
+        texts[ti].lyrics.reserve (lyricCount);
+        texts[ti].texts.reserve (textCount);
         for (const MidiEvent& e : t.events)
         {
             trackEnd = std::max (trackEnd, e.tick);
@@ -265,6 +281,8 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
                 std::stable_sort (v.notes.begin (), v.notes.end (), order);
             voices.push_back (std::move (v));
         }
+        if (owned)
+            std::vector<MidiEvent> ().swap (owned->tracks[ti].events);
     }
     for (std::size_t i = 0; i < file.repairs.size (); ++i)
     {
@@ -296,6 +314,7 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
     {
         TrackWords w = readTrackWords (texts[ti], lyricsInFile, options.rawLyrics);
         notices[ti] = std::move (w.notices);
+        texts[ti] = TrackTexts {};  // placed from here on as syllables
         if (w.syllables.empty ())
             continue;
         notices[ti].push_back (std::string ("words from its ") + (w.fromLyricEvents ? "lyric" : "text") + " events, "
@@ -327,6 +346,7 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         if (sings[v])
             topNotesOnly (voices[v], out.warnings);
     placeLyrics (voices, words, singers, timing, out.warnings);
+    std::vector<TrackLyrics> ().swap (words);
 
     for (auto& v : voices)
     {
@@ -343,6 +363,18 @@ bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const Re
         out.tracks.push_back (std::move (t));
     }
     return true;
+}
+
+} // namespace
+
+bool readMidiSong (const MidiFile& file, Song& out, std::string& error, const ReadOptions& options)
+{
+    return readSong (file, nullptr, out, error, options);
+}
+
+bool readMidiSong (MidiFile&& file, Song& out, std::string& error, const ReadOptions& options)
+{
+    return readSong (file, &file, out, error, options);
 }
 
 } // namespace Score

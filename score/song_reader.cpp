@@ -67,7 +67,9 @@ bool readSongBytes (const std::string& name, std::vector<std::uint8_t> data, con
     case Kind::Midi:
     {
         MidiFile file;
-        ok = parseMidi (data.data (), data.size (), file, error) && readMidiSong (file, out, error, options);
+        ok = parseMidi (data.data (), data.size (), file, error);
+        std::vector<std::uint8_t> ().swap (data);  // the events hold all that is read of it
+        ok = ok && readMidiSong (std::move (file), out, error, options);
         break;
     }
     case Kind::Zip:

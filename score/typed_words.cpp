@@ -1,14 +1,12 @@
 #include "score/typed_words.h"
 
+#include "score/hold_places.h"
 #include "score/song.h"
 
-#include "phoneme/dictionary_holder.h"
 #include "phoneme/lyric_converter.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
-#include <sstream>
 
 namespace Score {
 
@@ -16,122 +14,22 @@ namespace {
 
 using Elements = std::vector<std::string>;
 
-Elements convert (const std::string& text)
-{
-    const auto* dictionary = Zelmor::dictionaryHolderMap ();
-    if (!dictionary)
-        return {};
-    try
-    {
-        return Zelmor::convertLyric (text, *dictionary);
-    }
-    catch (const std::exception&)
-    {
-        return {};  // only malformed UTF-8 throws, and the readers hand over none
-    }
-}
-
-std::vector<std::string> tokens (const std::string& element)
-{
-    std::istringstream in (element);
-    std::vector<std::string> out;
-    for (std::string t; in >> t;)
-        out.push_back (t);
-    return out;
-}
-
-/** One syllable as the converter sings it: its sounds (holds' closing sounds included) and its holds. */
-struct Sung
-{
-    std::string sound;
-    int holds = 0;
-    bool holdsConsonant = false;  ///< a bare hold repeats the last sound before it, so it must be a vowel
-};
-
-/** False when the list opens with a hold, which belongs to no syllable. */
-bool sungSyllables (const Elements& elements, std::vector<Sung>& out)
-{
-    out.clear ();
-    bool endsOnNucleus = false;
-    for (const auto& e : elements)
-    {
-        auto parts = tokens (e);
-        if (e.empty () || e[0] != '-')
-        {
-            endsOnNucleus = !parts.empty () && Zelmor::findNucleus (parts) + 1 == parts.size ();
-            out.push_back ({e, 0, false});
-            continue;
-        }
-        if (out.empty ())
-            return false;
-        Sung& s = out.back ();
-        ++s.holds;
-        if (parts.size () <= 1)
-            s.holdsConsonant = s.holdsConsonant || !endsOnNucleus;
-        for (std::size_t i = 1; i < parts.size (); ++i, endsOnNucleus = false)
-            s.sound += " " + parts[i];
-    }
-    return true;
-}
-
-/** How many holds each syllable gained in `text` over `base`; false if it sings other sounds. */
-bool gainedHolds (const std::string& text, const std::vector<Sung>& base, std::vector<int>& gained)
-{
-    std::vector<Sung> now;
-    if (!sungSyllables (convert (text), now) || now.size () != base.size ())
-        return false;
-    gained.assign (base.size (), 0);
-    for (std::size_t j = 0; j < base.size (); ++j)
-    {
-        gained[j] = now[j].holds - base[j].holds;
-        if (now[j].sound != base[j].sound || gained[j] < 0 || (gained[j] > 0 && now[j].holdsConsonant))
-            return false;
-    }
-    return true;
-}
-
 constexpr std::size_t longestWord = 256;  // bytes
-const char* const hyphen = "-";
-const char* const longMark = "\xE3\x83\xBC";  // katakana long-vowel mark: holds kana and open vowels
 
 /**
  * Puts `wanted[j]` holds on each syllable j. A hyphen's place among the
- * letters only roughly selects the syllable it holds, so every place is tried
- * on the converter; of the places that hold syllable j, the one nearest
- * `target[j]` wins. A syllable that no place reaches passes its holds to the
- * nearest one that can take them, earlier first.
+ * letters only roughly selects the syllable it holds, so the converter tells
+ * which syllable each place holds; of the places that hold syllable j, the
+ * one nearest `target[j]` wins. A syllable that no place reaches passes its
+ * holds to the nearest one that can take them, earlier first.
  */
-std::string placeHolds (const std::string& text, const std::vector<Sung>& base, const std::vector<int>& wanted,
+std::string placeHolds (const std::string& text, const Zelmor::LyricLayout& layout, const Elements& elements,
+                        const std::vector<SungSyllable>& base, const std::vector<int>& wanted,
                         const std::vector<std::size_t>& target, bool withLongMarks)
 {
-    struct Place
-    {
-        std::size_t at = 0;
-        const char* mark = nullptr;
-    };
     const std::size_t k = base.size ();
-    std::vector<Place> reach (k);
+    const auto reach = holdPlaces (text, layout, elements, base, target, withLongMarks);
     std::vector<int> gained;
-    auto distance = [] (std::size_t a, std::size_t b) { return a > b ? a - b : b - a; };
-    for (std::size_t at = 0; at <= text.size (); ++at)
-    {
-        if (at < text.size () && (static_cast<unsigned char> (text[at]) & 0xC0) == 0x80)
-            continue;  // inside a character
-        for (const char* mark : {hyphen, longMark})
-        {
-            if (mark == longMark && !withLongMarks)
-                continue;
-            std::string tried = text;
-            tried.insert (at, mark);
-            if (!gainedHolds (tried, base, gained) || std::accumulate (gained.begin (), gained.end (), 0) != 1)
-                continue;
-            const auto j = static_cast<std::size_t> (std::find (gained.begin (), gained.end (), 1) - gained.begin ());
-            Place& p = reach[j];
-            if (!p.mark || (p.mark == longMark && mark == hyphen)
-                || (p.mark == mark && distance (at, target[j]) <= distance (p.at, target[j])))
-                p = {at, mark};
-        }
-    }
     std::vector<int> placed (k, 0);
     for (std::size_t j = 0; j < k; ++j)
         for (std::size_t d = 0; wanted[j] > 0 && d < k; ++d)
@@ -156,7 +54,7 @@ std::string placeHolds (const std::string& text, const std::vector<Sung>& base, 
     for (std::size_t j : order)
         for (int i = 0; i < placed[j]; ++i)
             typed.insert (reach[j].at, reach[j].mark);
-    return gainedHolds (typed, base, gained) && gained == placed ? typed : std::string ();
+    return gainedHolds (convertText (typed), base, gained) && gained == placed ? typed : std::string ();
 }
 
 struct ScoreSyllable
@@ -188,12 +86,14 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
         ends.push_back (text.size ());
         notes += 1 + static_cast<std::size_t> (s.holds);
     }
-    // Each place for a mark costs a conversion of the whole text: a run of syllables
-    // that never ends a word (a karaoke song without blanks) is typed as it stands.
+    // Some places for a mark still cost a conversion of the whole text (inside a
+    // word that only long-vowel marks hold): a run of syllables that never ends a
+    // word (a karaoke song without blanks) is typed as it stands.
     if (text.size () > longestWord)
         return text;
-    const Elements base = convert (text);
-    std::vector<Sung> sung;
+    Zelmor::LyricLayout layout;
+    const Elements base = convertText (text, &layout);
+    std::vector<SungSyllable> sung;
     if (!sungSyllables (base, sung) || sung.empty ())
         return text;
     const std::size_t k = sung.size ();
@@ -219,7 +119,7 @@ std::string typeWord (const std::vector<ScoreSyllable>& score)
     // kana and letters; hyphens alone never do.
     for (const bool withLongMarks : {true, false})
     {
-        const std::string typed = placeHolds (text, sung, wanted, target, withLongMarks);
+        const std::string typed = placeHolds (text, layout, base, sung, wanted, target, withLongMarks);
         if (!typed.empty ())
             return typed;
     }
@@ -248,10 +148,10 @@ std::vector<std::string> typeElided (const std::string& text, std::size_t holds)
             spaced += text[i++];
     std::vector<std::string> sounds;
     std::size_t closing = 0;  // where the closing sounds of the last syllable begin
-    for (const auto& element : convert (spaced))
+    for (const auto& element : convertText (spaced))
     {
         std::vector<std::string> parts;
-        for (const auto& token : tokens (element))
+        for (const auto& token : soundTokens (element))
             if (token != "-")
                 parts.push_back (token);
         if (parts.empty ())

@@ -43,6 +43,21 @@ std::string bigScore (std::size_t megabytes)
     return s.text ();
 }
 
+/** Words of 80 syllables, each syllable held over a second note: the dearest words to type. */
+std::string longWordScore ()
+{
+    Songs::ScoreWriter s ("Long Words");
+    s.part ("Voice").tempo (120);
+    for (int word = 0; word < 16; ++word)
+        for (int syllable = 0; syllable < 80; ++syllable)
+        {
+            const std::string text = syllable == 0 ? "la-" : syllable == 79 ? "-la" : "-la-";
+            s.note (scale[syllable % 14], 0.5, {text});
+            s.note (scale[syllable % 14], 0.5, {""});
+        }
+    return s.text ();
+}
+
 /** 1,000,000 events: eight tracks of notes, each with a lyric, and a tempo track. */
 std::vector<std::uint8_t> bigMidi ()
 {
@@ -119,6 +134,14 @@ void ReadMusicXml50MB (benchmark::State& state)
     readFile (state, path, xml.size (), state.range (0) == 1);
 }
 BENCHMARK (ReadMusicXml50MB)->Arg (1)->Arg (0)->Unit (benchmark::kMillisecond)->UseRealTime ()->Iterations (3);
+
+void ReadMusicXmlLongWords (benchmark::State& state)
+{
+    static const std::string xml = longWordScore ();
+    static const std::string path = written ("cantorela-bench-long-words.musicxml", xml);
+    readFile (state, path, xml.size (), state.range (0) == 1);
+}
+BENCHMARK (ReadMusicXmlLongWords)->Arg (1)->Arg (0)->Unit (benchmark::kMillisecond)->UseRealTime ()->Iterations (1);
 
 void ReadMidiMillionEvents (benchmark::State& state)
 {
