@@ -60,7 +60,8 @@ bool understood (char32_t c)
         return true;
     if (c < 0x80)
         return c <= ' ' || std::string_view ("'-.,:;()\"!?/").find (static_cast<char> (c)) != std::string_view::npos;
-    return c == Zelmor::longVowelMark || c == 0x3000 || Zelmor::foldKana (c) != 0;
+    // U+203F, the undertie, joins elided syllables sung on one note ("to‿a"): a joiner, not a word.
+    return c == Zelmor::longVowelMark || c == 0x3000 || c == 0x203F || Zelmor::foldKana (c) != 0;
 }
 
 std::string quoted (const std::string& s) { return "\"" + s + "\""; }

@@ -261,6 +261,12 @@ TEST (Workbench, SaysWhatIsNotSungWhereTheUserLooks)
     EXPECT_EQ (juce::JSON::toString (notices[0]["sounds"], true), "[\"v er\", \"iy\"]");
     EXPECT_EQ (notices[0]["at"].toString (), "1:1");
     EXPECT_EQ (int (notices[1]["note"]), 63);
+
+    // Syllables elided onto one note are joined by an undertie, which is no text left unread.
+    const std::string elided = midiFile ("elided.mid", {{0, E::Lyric, 0, 0, 0, 0, "to\u203fa"},
+                                                        {0, E::NoteOn, 0, 60, 90, 0, ""},
+                                                        {480, E::NoteOff, 0, 60, 0, 0, ""}});
+    EXPECT_EQ (workbench (elided).err.find ("not understood"), std::string::npos);
 }
 
 TEST (Workbench, SeveralSongsOrAFolderWriteEachOneUnderItsOwnName)
