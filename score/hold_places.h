@@ -31,10 +31,12 @@ std::vector<std::string> convertText (const std::string& text, Zelmor::LyricLayo
 /** The sounds of one element, split at blanks. */
 std::vector<std::string> soundTokens (const std::string& element);
 
-const char* const hyphen = "-";
-const char* const longMark = "\xE3\x83\xBC";  ///< katakana long-vowel mark: holds kana and open vowels
+// One object each in the whole program (inline), so that a place's mark may be told by its address
+// in any file; literals of the same text need not share one (an address sanitizer keeps them apart).
+inline constexpr char hyphen[] = "-";
+inline constexpr char longMark[] = "\xE3\x83\xBC";  ///< katakana long-vowel mark: holds kana and open vowels
 
-/** Where one more mark gives syllable j one more hold; `mark` is null where none does. */
+/** Where one more mark gives syllable j one more hold; `mark` is null where none does (one of the two above). */
 struct HoldPlace
 {
     std::size_t at = 0;  ///< byte offset in the text
