@@ -1,7 +1,7 @@
 // The XML parser for scores, chosen on our 2,000-note score: the toolkit's
 // reader that scores were parsed with, expat (streaming) and pugixml (a tree
 // in one pass), each turning the same bytes into what a reader can walk.
-#include "songs/generator/score_writer.h"
+#include "songs/generator/compose.h"
 
 #include <benchmark/benchmark.h>
 #include <expat.h>
@@ -13,29 +13,9 @@
 
 namespace {
 
-/** 2,000 notes of one voice with words, as bench/workbench writes it. */
-std::string score2000 ()
-{
-    const std::vector<std::vector<std::string>> phrases = {
-        {"Lan-", "", "-tern"}, {"in"},        {"the"},          {"win-", "-dow"}, {"glow_", "", ""},
-        {"won-", "-der-", "-ful"}, {"light"}, {"car-", "-ry"},   {"me"},           {"home_", ""},
-        {"to-", "", "-night"}, {"zen-", "-dra-", "-vo"}, {"a"},  {"sing-", "-ing_", ""}, {"brave"}};
-    const int scale[] = {60, 62, 64, 65, 67, 69, 71, 72, 71, 69, 67, 65, 64, 62};
-    Songs::ScoreWriter s ("Two Thousand");
-    s.part ("Voice").tempo (120);
-    for (int n = 0, p = 0; n < 2000; ++p)
-        for (const auto& text : phrases[static_cast<std::size_t> (p) % phrases.size ()])
-            if (n < 2000)
-            {
-                s.note (scale[n % 14], n % 16 == 15 ? 1.0 : 0.5, {text});
-                ++n;
-            }
-    return s.text ();
-}
-
 void Toolkit (benchmark::State& state)
 {
-    const std::string xml = score2000 ();
+    const std::string xml = Songs::twoThousand ();
     for (auto _ : state)
     {
         juce::XmlDocument document (juce::String::createStringFromData (xml.data (), static_cast<int> (xml.size ())));
@@ -61,7 +41,7 @@ struct ExpatTree
 
 void Expat (benchmark::State& state)
 {
-    const std::string xml = score2000 ();
+    const std::string xml = Songs::twoThousand ();
     const bool tree = state.range (0) == 1;
     for (auto _ : state)
     {
@@ -101,7 +81,7 @@ BENCHMARK (Expat)->Arg (0)->Arg (1)->Unit (benchmark::kMillisecond);
 
 void Pugixml (benchmark::State& state)
 {
-    const std::string xml = score2000 ();
+    const std::string xml = Songs::twoThousand ();
     for (auto _ : state)
     {
         pugi::xml_document document;

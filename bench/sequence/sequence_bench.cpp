@@ -16,6 +16,7 @@
 #include <cstdint>
 
 #include "sequence/sequence_store.h"
+#include "tests/sequence/full_table_difference.h"  // the whole table: the baseline of the rows below
 
 using namespace Zelmor;
 
@@ -115,38 +116,7 @@ std::vector<SequenceNote> makeTrack(std::size_t count, std::vector<char>& nodes)
     return notes;
 }
 
-
-// The store's first difference: the whole (m + 1) x (n + 1) table, and one
-// vector insert or erase per edit. The baseline of the rows below.
-NoteEditList fullTableDiff(const std::vector<SequenceNote>& o, const std::vector<SequenceNote>& n)
-{
-    const std::size_t cols = n.size() + 1;
-    std::vector<int32_t> table((o.size() + 1) * cols, 0);
-    auto cell = [&](std::size_t i, std::size_t j) -> int32_t& { return table[i * cols + j]; };
-    for (std::size_t i = 1; i <= o.size(); ++i)
-        for (std::size_t j = 1; j <= n.size(); ++j)
-            cell(i, j) = equals(o[i - 1], n[j - 1]) ? cell(i - 1, j - 1) + 1 : std::max(cell(i - 1, j), cell(i, j - 1));
-    NoteEditList edits;
-    std::size_t i = o.size(), j = n.size();
-    while (i > 0 && j > 0) {
-        if (equals(o[i - 1], n[j - 1])) {
-            --i;
-            --j;
-        } else if (cell(i - 1, j) >= cell(i, j - 1)) {
-            edits.push_back(NoteEdit{kNoteRemove, i - 1, o[i - 1]});
-            --i;
-        } else {
-            edits.push_back(NoteEdit{kNoteInsert, i, n[j - 1]});
-            --j;
-        }
-    }
-    for (; i > 0; --i)
-        edits.push_back(NoteEdit{kNoteRemove, i - 1, o[i - 1]});
-    for (; j > 0; --j)
-        edits.push_back(NoteEdit{kNoteInsert, 0, n[j - 1]});
-    return edits;
-}
-
+// The store's first recording: the whole table, and one vector insert or erase per edit.
 void recordWithFullTable(TrackSequence& track, const std::vector<SequenceNote>& notes)
 {
     NoteEditList edits = fullTableDiff(track.notes, notes);

@@ -116,6 +116,14 @@ struct FreshAgent
         host.projectManager ().activate (song);
     }
     FUnknown* hook () { return static_cast<IPluginBase*> (agent); }
+    /** A track named `name` with a synthesiser of its own in its first slot, and one part as long as `length`. */
+    Sim::Part& voiceTrack (const std::string& name, double length)
+    {
+        synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
+        auto& track = song.root ().addInstrumentTrack (name);
+        track.addSlot ("Slot 1", synths.back ()->unknown ());
+        return track.addPart (0.0, length);
+    }
 
     std::vector<std::unique_ptr<Sim::SvsPlugin>> synths;
     Sim::HostServices host;
@@ -151,11 +159,8 @@ void LongTrackOpening (benchmark::State& state)
         state.PauseTiming ();
         {
             FreshAgent project;
-            project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
-            auto& track = project.song.root ().addInstrumentTrack ("Vocals");
-            track.addSlot ("Slot 1", project.synths.back ()->unknown ());
             const auto count = static_cast<int> (state.range (0));
-            auto& part = track.addPart (0.0, count * 0.5);
+            auto& part = project.voiceTrack ("Vocals", count * 0.5);
             for (int n = 0; n < count; ++n)
                 part.addNote (n * 0.5, n * 0.5 + 0.4, 60 + n % 12, "la");
             state.ResumeTiming ();
@@ -170,11 +175,8 @@ void LongTrackOpening (benchmark::State& state)
 void LongTrackEdit (benchmark::State& state)
 {
     FreshAgent project;
-    project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
-    auto& track = project.song.root ().addInstrumentTrack ("Vocals");
-    track.addSlot ("Slot 1", project.synths.back ()->unknown ());
     const auto count = static_cast<int> (state.range (0));
-    auto& part = track.addPart (0.0, count * 0.5);
+    auto& part = project.voiceTrack ("Vocals", count * 0.5);
     std::vector<Sim::Note*> notes;
     for (int n = 0; n < count; ++n)
         notes.push_back (&part.addNote (n * 0.5, n * 0.5 + 0.4, 60 + n % 12, "la"));
@@ -203,10 +205,7 @@ void HyphenatedLyric (benchmark::State& state)
         state.PauseTiming ();
         {
             FreshAgent project;
-            project.synths.push_back (std::make_unique<Sim::SvsPlugin> ("synth"));
-            auto& track = project.song.root ().addInstrumentTrack ("Vocals");
-            track.addSlot ("Slot 1", project.synths.back ()->unknown ());
-            auto& part = track.addPart (0.0, 8.0);
+            auto& part = project.voiceTrack ("Vocals", 8.0);
             std::vector<Sim::Note*> notes;
             for (int n = 0; n < 8; ++n)
                 notes.push_back (&part.addNote (n, n + 0.5, 60));

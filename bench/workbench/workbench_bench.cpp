@@ -10,7 +10,6 @@
 #include "score/midi_song.h"
 #include "score/musicxml_reader.h"
 #include "songs/generator/compose.h"
-#include "songs/generator/score_writer.h"
 #include "workbench/sim/call_log.h"
 #include "workbench/sim/project.h"
 #include "workbench/sim/svs_plugin.h"
@@ -75,26 +74,6 @@ void LoadModule (benchmark::State& state)
 }
 BENCHMARK (LoadModule)->Unit (benchmark::kMicrosecond)->UseRealTime ()->Iterations (20);
 
-/** 2,000 notes of one voice: words of one to three syllables, held notes inside words and on extension lines. */
-std::string score2000 ()
-{
-    const std::vector<std::vector<std::string>> phrases = {
-        {"Lan-", "", "-tern"}, {"in"},        {"the"},          {"win-", "-dow"}, {"glow_", "", ""},
-        {"won-", "-der-", "-ful"}, {"light"}, {"car-", "-ry"},   {"me"},           {"home_", ""},
-        {"to-", "", "-night"}, {"zen-", "-dra-", "-vo"}, {"a"},  {"sing-", "-ing_", ""}, {"brave"}};
-    const int scale[] = {60, 62, 64, 65, 67, 69, 71, 72, 71, 69, 67, 65, 64, 62};
-    Songs::ScoreWriter s ("Two Thousand");
-    s.part ("Voice").tempo (120);
-    for (int n = 0, p = 0; n < 2000; ++p)
-        for (const auto& text : phrases[static_cast<std::size_t> (p) % phrases.size ()])
-            if (n < 2000)
-            {
-                s.note (scale[n % 14], n % 16 == 15 ? 1.0 : 0.5, {text});  // a longer note every sixteen
-                ++n;
-            }
-    return s.text ();
-}
-
 bool readScore (const std::string& xml, Score::Song& song, std::string& error, bool raw = false)
 {
     return Score::readMusicXml (reinterpret_cast<const std::uint8_t*> (xml.data ()), xml.size (), {1, raw}, song,
@@ -104,7 +83,7 @@ bool readScore (const std::string& xml, Score::Song& song, std::string& error, b
 /** Argument 1 reads the lyrics raw, each syllable on its note: the difference is what joining them into words costs. */
 void ReadScore (benchmark::State& state)
 {
-    const std::string xml = score2000 ();
+    const std::string xml = Songs::twoThousand ();
     Score::Song song;
     std::string error;
     for (auto _ : state)
@@ -121,7 +100,7 @@ BENCHMARK (ReadScore)->Arg (0)->Arg (1)->Unit (benchmark::kMillisecond)->UseReal
 
 void WholeScore (benchmark::State& state)
 {
-    const std::string xml = score2000 ();
+    const std::string xml = Songs::twoThousand ();
     Workbench::Options options;
     options.modulePath = CANTORELA_MODULE_PATH;
     Workbench::Outcome last;

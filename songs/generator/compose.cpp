@@ -138,6 +138,25 @@ std::vector<std::uint8_t> bytes (const Entry& entry)
     return std::vector<std::uint8_t> (text.begin (), text.end ());
 }
 
+std::string twoThousand ()
+{
+    const std::vector<std::vector<std::string>> phrases = {
+        {"Lan-", "", "-tern"}, {"in"},        {"the"},          {"win-", "-dow"}, {"glow_", "", ""},
+        {"won-", "-der-", "-ful"}, {"light"}, {"car-", "-ry"},   {"me"},           {"home_", ""},
+        {"to-", "", "-night"}, {"zen-", "-dra-", "-vo"}, {"a"},  {"sing-", "-ing_", ""}, {"brave"}};
+    const int scale[] = {60, 62, 64, 65, 67, 69, 71, 72, 71, 69, 67, 65, 64, 62};
+    Songs::ScoreWriter s ("Two Thousand");
+    s.part ("Voice").tempo (120);
+    for (int n = 0, p = 0; n < 2000; ++p)
+        for (const auto& text : phrases[static_cast<std::size_t> (p) % phrases.size ()])
+            if (n < 2000)
+            {
+                s.note (scale[n % 14], n % 16 == 15 ? 1.0 : 0.5, {text});  // a longer note every sixteen
+                ++n;
+            }
+    return s.text ();
+}
+
 const std::vector<Entry>& all ()
 {
     static const std::vector<Entry> entries = {

@@ -34,6 +34,9 @@ Score::MidiFile overlap ();
 Score::MidiFile long400 ();
 /** A MusicXML score: words in syllables, held notes, a tie, two verses, a tempo change, a piano part without words. */
 std::string lantern ();
+/** A MusicXML score of 2,000 notes of one voice, for timing: words of one to three syllables, held
+    notes inside words and on extension lines. Not bundled; the benchmarks make it. */
+std::string twoThousand ();
 
 const std::vector<Entry>& all ();
 

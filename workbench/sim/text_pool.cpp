@@ -10,6 +10,18 @@ using Steinberg::FVariant;
 
 namespace {
 
+/** The pool's one copy of `text`, made on first sight; keyed by a view of that copy, which never moves. */
+template <typename Map, typename View>
+const typename Map::mapped_type::element_type* intern (Map& pool, View text)
+{
+    if (auto it = pool.find (text); it != pool.end ())
+        return it->second.get ();
+    auto owned = std::make_unique<typename Map::mapped_type::element_type> (text);
+    const auto* kept = owned.get ();
+    pool.emplace (View (*kept), std::move (owned));
+    return kept;
+}
+
 /**
  * Whether the zero-terminated `text` is `held`, unit for unit, found in one
  * walk; `length` is the text's length either way.
@@ -75,25 +87,9 @@ void Slot::toVariant (FVariant& out, bool borrowed) const
     }
 }
 
-const std::u16string* TextPool::wide (std::u16string_view text)
-{
-    if (auto it = wide_.find (text); it != wide_.end ())
-        return it->second.get ();
-    auto owned = std::make_unique<std::u16string> (text);
-    const std::u16string* kept = owned.get ();
-    wide_.emplace (std::u16string_view (*kept), std::move (owned));
-    return kept;
-}
+const std::u16string* TextPool::wide (std::u16string_view text) { return intern (wide_, text); }
 
-const std::string* TextPool::narrow (std::string_view text)
-{
-    if (auto it = narrow_.find (text); it != narrow_.end ())
-        return it->second.get ();
-    auto owned = std::make_unique<std::string> (text);
-    const std::string* kept = owned.get ();
-    narrow_.emplace (std::string_view (*kept), std::move (owned));
-    return kept;
-}
+const std::string* TextPool::narrow (std::string_view text) { return intern (narrow_, text); }
 
 Slot TextPool::hold (const Value& value)
 {
