@@ -1,5 +1,6 @@
 #include "score/file_bytes.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
@@ -39,6 +40,28 @@ bool readFileBytes (const std::string& path, std::vector<std::uint8_t>& data, st
     if (in.bad ())
     {
         error = "cannot read " + path;
+        return false;
+    }
+    return true;
+}
+
+bool readStandardInput (std::vector<std::uint8_t>& data, std::string& error)
+{
+    data.clear ();
+    char buf[65536];
+    std::size_t n;
+    while ((n = std::fread (buf, 1, sizeof buf, stdin)) > 0)
+    {
+        data.insert (data.end (), buf, buf + n);
+        if (data.size () > largestFile)
+        {
+            error = "standard input is larger than 64 MiB";
+            return false;
+        }
+    }
+    if (std::ferror (stdin))
+    {
+        error = "cannot read standard input";
         return false;
     }
     return true;

@@ -50,14 +50,8 @@ bool readSheet (const Workbench::CommandLine& command, std::string& sheet, std::
     if (command.lyricsFile.empty ())
         return true;
     std::vector<std::uint8_t> bytes;
-    if (command.lyricsFile == "-")
-    {
-        char buf[65536];
-        std::size_t n;
-        while ((n = std::fread (buf, 1, sizeof buf, stdin)) > 0)
-            bytes.insert (bytes.end (), buf, buf + n);
-    }
-    else if (!Score::readFileBytes (command.lyricsFile, bytes, error))
+    if (command.lyricsFile == "-" ? !Score::readStandardInput (bytes, error)
+                                  : !Score::readFileBytes (command.lyricsFile, bytes, error))
         return false;
     sheet.assign (bytes.begin (), bytes.end ());
     return true;

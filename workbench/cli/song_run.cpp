@@ -8,6 +8,7 @@
 #include "workbench/cli/song_file.h"
 #include "workbench/cli/unsung.h"
 
+#include "score/file_bytes.h"
 #include "score/lay_lyrics.h"
 #include "score/midi_song.h"
 #include "score/song_reader.h"
@@ -56,16 +57,6 @@ std::string fileName (const std::string& path)
     return slash == std::string::npos ? path : path.substr (slash + 1);
 }
 
-std::vector<std::uint8_t> standardInput ()
-{
-    std::vector<std::uint8_t> bytes;
-    char buf[65536];
-    std::size_t n;
-    while ((n = std::fread (buf, 1, sizeof buf, stdin)) > 0)
-        bytes.insert (bytes.end (), buf, buf + n);
-    return bytes;
-}
-
 /** The song the job names, the built-in example, or one from standard input. */
 bool readSong (const SongJob& job, const Score::ReadOptions& options, Score::Song& song, std::string& error)
 {
@@ -82,7 +73,10 @@ bool readSong (const SongJob& job, const Score::ReadOptions& options, Score::Son
     if (job.path != "-")
         return Score::readSong (job.path, options, song, error);
     // The readers take a file: standard input is copied into one, and named as itself in messages.
-    const std::string copy = temporaryCopy (standardInput (), error);
+    std::vector<std::uint8_t> bytes;
+    if (!Score::readStandardInput (bytes, error))
+        return false;
+    const std::string copy = temporaryCopy (bytes, error);
     if (copy.empty ())
         return false;
     const bool ok = Score::readSong (copy, options, song, error);
